@@ -1,0 +1,7 @@
+#!/bin/sh
+# Configures and builds Marvento in build/ (or the folder given as $BUILD_DIR).
+set -e
+cd "$(dirname "$0")/.."
+build="${BUILD_DIR:-build}"
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@" >/dev/null
+cmake --build "$build" -j "$(nproc)"

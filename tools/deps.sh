@@ -1,0 +1,16 @@
+#!/bin/sh
+# Installs from Debian's packages what building, running and testing Marvento needs,
+# and nothing when all of it is there already.
+set -e
+packages="cmake ninja-build g++ pkg-config qt6-base-dev qt6-serialport-dev libgl-dev
+  googletest libgtest-dev libbenchmark-dev xvfb xauth clang libclang-rt-14-dev
+  poppler-utils appstream desktop-file-utils dpkg-dev file"
+missing=""
+for p in $packages; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"
+done
+[ -z "$missing" ] && exit 0
+echo "Installing:$missing"
+if [ "$(id -u)" -eq 0 ]; then sudo=""; else sudo="sudo"; fi
+$sudo apt-get update -qq
+DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends $missing
