@@ -1,0 +1,83 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include <cstdint>
+#include <memory>
+
+class QSerialPort;
+
+namespace marvento {
+
+// Error numbers of the serial control. Any other non-zero number is a failure of another
+// kind, whose description says in German what went wrong and on which device.
+enum CommError : int {
+  comNoError = 0,
+  comInvalidPort = 8002,  // no such port number or no such device
+  comPortOpen = 8005,     // the port is open already, here or in another program
+  comNotOpen = 8012,      // the device could not be opened
+};
+
+struct CommResult {
+  int number = comNoError;
+  QString description;
+  bool ok() const { return number == comNoError; }
+};
+
+// The device behind a port number 1 to 29: Com1-Com8 are /dev/ttyS0-7, Com9-Com18
+// /dev/ttyUSB0-9, Com19-Com28 /dev/ttyACM0-9, Com29 /dev/rfcomm0. A key "ComN" in the
+// settings group "Ports" overrides the path. Empty for a number outside 1 to 29.
+QString PortDevice(int number);
+
+// The one serial port object of the program (MSComm1): a port chosen by number, opened
+// and closed on request, polled for what arrived. It raises no events of its own.
+class CommControl : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit CommControl(QObject* parent = nullptr);
+  ~CommControl() override;
+
+  // 8005 while the port is open; 8002 for a number outside 1 to 29.
+  CommResult setCommPort(std::int16_t port);
+  std::int16_t commPort() const;
+
+  // "4800,N,8,1" and the like; applied at the next opening. A rate that is no number
+  // makes that opening fail (not this call).
+  CommResult setSettings(const QString& settings);
+  QString settings() const;
+
+  // Kept for completeness: 0 = read all that waits, text mode, no handshake.
+  void setInputLen(int length) { m_inputLen = length; }
+  void setInputMode(int mode) { m_inputMode = mode; }
+  void setHandshaking(int handshaking) { m_handshaking = handshaking; }
+
+  bool portOpen() const;
+  // Opening: 8005 when open already or held by another program, 8002 when the device does
+  // not exist, another number (with a German description naming the device, and the
+  // dialout group when the right to open it is missing) for every other failure.
+  // Closing drops whatever still waits.
+  CommResult setPortOpen(bool open);
+
+  // Characters waiting to be read, after taking in what the system has for the port.
+  int inBufferCount();
+  // All waiting characters as text (one character per byte), removed from the buffer.
+  QString input();
+  // Blocks without spinning until new data arrives or msecs pass; true when data came.
+  bool waitForInput(int msecs);
+
+  // The device path that the current port number resolves to.
+  QString device() const;
+
+ private:
+  std::unique_ptr<QSerialPort> m_port;
+  QByteArray m_buffer;
+  std::int16_t m_commPort = 1;
+  QString m_settings = QStringLiteral("4800,N,8,1");
+  int m_inputLen = 0;
+  int m_inputMode = 0;
+  int m_handshaking = 0;
+};
+
+}  // namespace marvento
