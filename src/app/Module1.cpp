@@ -1,6 +1,15 @@
 #include "app/Module1.h"
 
-#include <QWidget>
+#include "app/SettingsStore.h"
+#include "app/frmMain.h"
+#include "locator/QraToCoords.h"
+#include "platform/Timer.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTimer>
 
 namespace marvento {
 
@@ -10,12 +19,25 @@ Module1& State() {
 }
 
 void Main() {
-  // The window arrives with the main window unit; until then an empty frame stands in.
-  auto* window = new QWidget;
-  window->setObjectName(QStringLiteral("frmMain"));
-  window->setWindowTitle(QStringLiteral("Marvento"));
-  window->setAttribute(Qt::WA_DeleteOnClose);
+  QApplication::setApplicationName(QStringLiteral("Marvento"));
+  QApplication::setOrganizationName(QStringLiteral("Marvento"));
+  QApplication::setApplicationVersion(QStringLiteral("4.4.0"));
+
+  Module1& state = State();
+  state.MainForm = new frmMain(state);
+  state.CrLf = QStringLiteral("\r\n");
+  const StartupSettings settings = ReadStartupSettings(state);
+  state.KfOffsets = kKfOffsets;
+
+  frmMain* window = state.MainForm;
+  window->Form_Load();
+  window->lbInfo->clear();
+  window->Timer1->setInterval(settings.interval.milliseconds);
+  window->Combo1->setCurrentIndex(settings.radiusPosition);
+  SetTimerEnabled(window->Timer1, state.GpsStatus != kGpsAus);
+  if (window->tbMyLoc->text().isEmpty()) window->tbMyLoc->setText(state.MyHomeLoc.trimmed());
   window->show();
+  QCoreApplication::processEvents();
 }
 
 }  // namespace marvento

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "app/Module1.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+
+namespace marvento {
+
+// Reading conversions of the stored texts. Each gives nothing when the text breaks the
+// key's limits (the caller then takes the key's default), so that a store edited by hand
+// cannot leave the start-up in a state the program never produces itself.
+std::optional<bool> ReadBoolean(const QString& text);
+// Seconds and milliseconds of the poll interval: Val, half to even, at most 65 s.
+struct PollInterval {
+  std::int32_t seconds = 30;
+  std::int32_t milliseconds = 30000;
+};
+std::optional<PollInterval> ReadInterval(const QString& text);
+// The port number behind the first three characters of a port name ("Com7" -> 7).
+std::optional<std::int16_t> ReadPortNumber(const QString& portName);
+std::optional<std::int16_t> ReadRadiusPosition(const QString& text);
+std::optional<float> ReadTwips(const QString& text);
+
+// The texts written at exit.
+QString BooleanText(bool value);
+QString TwipsText(float twips);
+
+// Everything Main reads besides the window position.
+struct StartupSettings {
+  PollInterval interval;
+  std::int16_t radiusPosition = 2;
+};
+
+// Fills the state record from the store in the start-up order (keys "GPS" to "Radius");
+// the locals that only the window takes come back.
+StartupSettings ReadStartupSettings(Module1& state);
+
+// The window data stored at exit besides the state record.
+struct ExitSettings {
+  int radiusPosition = 2;
+  bool minimized = false;
+  float leftTwips = 1000;
+  float topTwips = 1000;
+};
+
+// Stores every key but "MyHomeLoc" in the exit order; the position only when not minimised.
+void WriteExitSettings(const Module1& state, const ExitSettings& window);
+
+}  // namespace marvento

@@ -1,0 +1,581 @@
+#include "app/frmMain.h"
+
+#include "app/Icons.h"
+#include "app/InstanceGuard.h"
+#include "app/SettingsStore.h"
+#include "platform/CommControl.h"
+#include "platform/Format.h"
+#include "platform/MsgBox.h"
+#include "platform/Settings.h"
+#include "platform/Timer.h"
+#include "platform/Twips.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QDate>
+#include <QFrame>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QMenu>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QTime>
+#include <QTimer>
+#include <QToolBar>
+#include <QToolButton>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace marvento {
+
+namespace {
+
+// The design's tops count from the top of the client area, tool bar included; the fields
+// here sit below the tool bar, so they move up by its height.
+constexpr double kToolBarTwips = 540;
+constexpr double kColumns[] = {240, 2460, 4380};
+constexpr double kColumnWidth[] = {1935, 1800, 1800};
+constexpr double kClientWidth = 6420;
+constexpr double kFieldHeight = 345;
+constexpr double kLabelHeight = 255;
+
+QRect twipsRect(double left, double top, double width, double height) {
+  return QRect(TwipsToPx(left), TwipsToPx(top - kToolBarTwips), TwipsToPx(width),
+               TwipsToPx(height));
+}
+
+QString shortDate(const QDate& date) {
+  // The German short form writes the year with two digits; the status bar shows all four.
+  QString format = QLocale().dateFormat(QLocale::ShortFormat);
+  if (!format.contains(u"yyyy")) format.replace(QStringLiteral("yy"), QStringLiteral("yyyy"));
+  return QLocale().toString(date, format);
+}
+
+}  // namespace
+
+struct frmMain::Subsystems {};
+
+std::function<void()>& frmMain::exitProcess() {
+  static std::function<void()> exit = [] { std::_Exit(0); };
+  return exit;
+}
+
+frmMain::frmMain(Module1& state, QWidget* parent)
+    : QMainWindow(parent), m_state(state), m_sub(std::make_unique<Subsystems>()) {
+  setObjectName(QStringLiteral("frmMain"));
+  setWindowTitle(QStringLiteral("Marvento"));
+  setWindowIcon(AppIcon());
+  setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                 Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint |
+                 Qt::WindowCloseButtonHint);
+
+  Timer1 = new QTimer(this);
+  Timer1->setObjectName(QStringLiteral("Timer1"));
+  Timer1->setInterval(65535);
+  connect(Timer1, &QTimer::timeout, this, &frmMain::Timer1_Timer);
+
+  MSComm1 = new CommControl(this);
+  MSComm1->setObjectName(QStringLiteral("MSComm1"));
+
+  buildMenus();
+  buildToolBar();
+  buildControls();
+  buildStatusBar();
+  setFixedSize(sizeHint());
+  qApp->installEventFilter(this);
+}
+
+frmMain::~frmMain() {
+  qApp->removeEventFilter(this);
+}
+
+void frmMain::buildControls() {
+  auto* client = new QWidget(this);
+  client->setObjectName(QStringLiteral("client"));
+  client->setFixedSize(TwipsToPx(kClientWidth), TwipsToPx(3720 + kLabelHeight + 90 - kToolBarTwips));
+  setCentralWidget(client);
+
+  auto label = [&](const char* name, const QString& text, int column, double top) {
+    auto* l = new QLabel(text, client);
+    l->setObjectName(QString::fromLatin1(name));
+    l->setGeometry(twipsRect(kColumns[column], top, kColumnWidth[column], kLabelHeight));
+    return l;
+  };
+  auto field = [&](const char* name, const QString& tip, int column, double top, bool centred) {
+    auto* f = new QLineEdit(client);
+    f->setObjectName(QString::fromLatin1(name));
+    f->setToolTip(tip);
+    f->setGeometry(twipsRect(kColumns[column], top, kColumnWidth[column], kFieldHeight));
+    if (centred) f->setAlignment(Qt::AlignCenter);
+    return f;
+  };
+  auto result = [&](const char* name, const QString& text, const QString& tip, int column) {
+    auto* r = new QLabel(text, client);
+    r->setObjectName(QString::fromLatin1(name));
+    r->setToolTip(tip);
+    r->setGeometry(twipsRect(kColumns[column], 3120, kColumnWidth[column], kFieldHeight));
+    r->setAlignment(Qt::AlignCenter);
+    r->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+    r->setAutoFillBackground(true);
+    QPalette palette = r->palette();
+    palette.setColor(QPalette::Window, Qt::white);
+    palette.setColor(QPalette::WindowText, Qt::black);
+    r->setPalette(palette);
+    return r;
+  };
+  auto rule = [&](const char* name, double top, const QColor& colour) {
+    auto* line = new QFrame(client);
+    line->setObjectName(QString::fromLatin1(name));
+    line->setGeometry(0, TwipsToPx(top - kToolBarTwips), TwipsToPx(kClientWidth), 1);
+    line->setAutoFillBackground(true);
+    QPalette palette = line->palette();
+    palette.setColor(QPalette::Window, colour);
+    line->setPalette(palette);
+    return line;
+  };
+
+  Line1 = rule("Line1", kToolBarTwips, QColor(128, 128, 128));
+  Line2 = rule("Line2", kToolBarTwips + 15, Qt::white);
+  Line3 = rule("Line3", 2700, QColor(128, 128, 128));
+
+  Label4 = label("Label4", QStringLiteral("&Mein Locator"), 0, 660);
+  tbMyLoc = field("tbMyLoc", QStringLiteral(" Eigener Locator "), 0, 960, false);
+  tbMyLoc->setMaxLength(10);
+  Label1 = label("Label1", QStringLiteral("&Fremdlocator"), 0, 1620);
+  tbFremdLoc = field("tbFremdLoc", QStringLiteral(" Locator der Gegenstation "), 0, 1920, false);
+  tbFremdLoc->setMaxLength(10);
+  Label5 = label("Label5", QStringLiteral("östl. &Länge [°]"), 1, 660);
+  tbMyLg = field("tbMyLg", QStringLiteral(" Eigene östl. Länge "), 1, 960, true);
+  Label6 = label("Label6", QStringLiteral("nördl. &Breite [°]"), 2, 660);
+  tbMyBr = field("tbMyBr", QStringLiteral(" Eigene nördl. Breite "), 2, 960, true);
+  tbFremdLg = field("tbFremdLg", QStringLiteral(" östl. Länge der Gegenstation "), 1, 1920, true);
+  tbFremdBr = field("tbFremdBr", QStringLiteral(" nördl. Breite der Gegenstation "), 2, 1920, true);
+  Label7 = label("Label7", QStringLiteral("&Erdradius (km)"), 0, 2820);
+
+  Combo1 = new QComboBox(client);
+  Combo1->setObjectName(QStringLiteral("Combo1"));
+  Combo1->setEditable(true);
+  Combo1->setInsertPolicy(QComboBox::NoInsert);
+  Combo1->setToolTip(QStringLiteral(" Erdradius als Berechnungsgrundlage "));
+  Combo1->setGeometry(twipsRect(kColumns[0], 3120, kColumnWidth[0], kFieldHeight));
+  Combo1->setEditText(QStringLiteral("Combo1"));
+
+  Label2 = label("Label2", QStringLiteral("Entfernung"), 1, 2820);
+  lblEntfernung = result("lblEntfernung", QStringLiteral("Entfernung"),
+                         QStringLiteral(" Entfernung zur Gegenstation "), 1);
+  Label3 = label("Label3", QStringLiteral("Richtung"), 2, 2820);
+  lblRichtung = result("lblRichtung", QStringLiteral("Richtung"),
+                       QStringLiteral(" Richtung zur Gegenstation "), 2);
+
+  auto infoLine = [&](const char* name, const QString& text, double top) {
+    auto* l = new QLabel(text, client);
+    l->setObjectName(QString::fromLatin1(name));
+    l->setGeometry(twipsRect(0, top, kClientWidth, kLabelHeight));
+    l->setAlignment(Qt::AlignCenter);
+    QFont font = l->font();
+    font.setBold(true);
+    l->setFont(font);
+    // In the colours of a tool tip: readable on every theme.
+    l->setAutoFillBackground(true);
+    QPalette palette = l->palette();
+    palette.setColor(QPalette::Window, palette.color(QPalette::ToolTipBase));
+    palette.setColor(QPalette::WindowText, palette.color(QPalette::ToolTipText));
+    l->setPalette(palette);
+    return l;
+  };
+  lbInfo = infoLine("lbInfo", QStringLiteral("Info:"), 3480);
+  lbKurs = infoLine("lbKurs", QStringLiteral("Kurs"), 3720);
+
+  Label4->setBuddy(tbMyLoc);
+  Label1->setBuddy(tbFremdLoc);
+  Label5->setBuddy(tbMyLg);
+  Label6->setBuddy(tbMyBr);
+  Label7->setBuddy(Combo1);
+
+  // Tab order by the design's numbers: the fields, then the radius.
+  QWidget* order[] = {tbMyLoc, tbFremdLoc, tbMyLg, tbMyBr, tbFremdLg, tbFremdBr, Combo1};
+  for (std::size_t i = 1; i < std::size(order); ++i) setTabOrder(order[i - 1], order[i]);
+}
+
+void frmMain::buildMenus() {
+  auto action = [&](QMenu* menu, const char* name, const QString& text, const QKeySequence& key,
+                    void (frmMain::*slot)()) {
+    auto* a = menu->addAction(text);
+    a->setObjectName(QString::fromUtf8(name));
+    if (!key.isEmpty()) a->setShortcut(key);
+    connect(a, &QAction::triggered, this, slot);
+    return a;
+  };
+  auto separator = [&](QMenu* menu, const char* name) {
+    menu->addSeparator()->setObjectName(QString::fromLatin1(name));
+  };
+
+  mnuAktion = menuBar()->addMenu(QStringLiteral("&Aktion"));
+  mnuAktion->setObjectName(QStringLiteral("mnuAktion"));
+  mnuNeu = action(mnuAktion, "mnuNeu", QStringLiteral("&Neu"), QKeySequence(Qt::CTRL | Qt::Key_N),
+                  &frmMain::mnuNeu_Click);
+  mnuRechnen = action(mnuAktion, "mnuRechnen", QStringLiteral("&Rechnen"),
+                      QKeySequence(Qt::CTRL | Qt::Key_R), &frmMain::mnuRechnen_Click);
+  separator(mnuAktion, "Sep1");
+  mnuGegenRichtung = action(mnuAktion, "mnuGegenRichtung", QStringLiteral("Gegenrich&tung"),
+                            QKeySequence(Qt::Key_F3), &frmMain::mnuGegenRichtung_Click);
+  mnuGPS_Höhe = action(mnuAktion, "mnuGPS_Höhe", QStringLiteral("GPS-Antennenhöhe"),
+                       QKeySequence(Qt::CTRL | Qt::Key_H), &frmMain::mnuGPS_Höhe_Click);
+  separator(mnuAktion, "mnuSep3");
+  mnuGrundeinstellungen =
+      action(mnuAktion, "mnuGrundeinstellungen", QStringLiteral("&Grundeinstellungen"),
+             QKeySequence(Qt::CTRL | Qt::Key_G), &frmMain::mnuGrundeinstellungen_Click);
+  mnuProtokoll = action(mnuAktion, "mnuProtokoll", QStringLiteral("&Protokoll schreiben"),
+                        QKeySequence(), &frmMain::mnuProtokoll_Click);
+  mnuProtokoll->setCheckable(true);
+  separator(mnuAktion, "Sep2");
+  mnuBeenden = action(mnuAktion, "mnuBeenden", QStringLiteral("&Beenden"),
+                      QKeySequence(Qt::CTRL | Qt::Key_B), &frmMain::mnuBeenden_Click);
+
+  mnuHelp = menuBar()->addMenu(QStringLiteral("&Hilfe"));
+  mnuHelp->setObjectName(QStringLiteral("mnuHelp"));
+  mnuHilfe = action(mnuHelp, "mnuHilfe", QStringLiteral("&Hilfe"), QKeySequence(Qt::Key_F1),
+                    &frmMain::mnuHilfe_Click);
+  mnuInfo = action(mnuHelp, "mnuInfo", QStringLiteral("&Info"), QKeySequence(Qt::Key_F2),
+                   &frmMain::mnuInfo_Click);
+}
+
+void frmMain::buildToolBar() {
+  tbToolBar = new QToolBar(this);
+  tbToolBar->setObjectName(QStringLiteral("tbToolBar"));
+  tbToolBar->setMovable(false);
+  tbToolBar->setFloatable(false);
+  tbToolBar->setIconSize(QSize(16, 16));
+  tbToolBar->toggleViewAction()->setVisible(false);
+  addToolBar(Qt::TopToolBarArea, tbToolBar);
+  setContextMenuPolicy(Qt::NoContextMenu);
+
+  const QString keys[] = {QStringLiteral("Neu"), QStringLiteral("Rechnen"),
+                          QStringLiteral("Beenden"), QString(),
+                          QStringLiteral("Grundeinstellungen"), QStringLiteral("Info"),
+                          QStringLiteral("Hilfe")};
+  for (const QString& key : keys) {
+    if (key.isEmpty()) {
+      tbToolBar->addSeparator();
+      continue;
+    }
+    QAction* button = tbToolBar->addAction(ToolbarIcon(key), QString());
+    button->setObjectName(key);
+    button->setToolTip(key);
+    connect(button, &QAction::triggered, this, [this, key] { tbToolBar_ButtonClick(key); });
+  }
+}
+
+void frmMain::buildStatusBar() {
+  sbStatusBar = new QStatusBar(this);
+  sbStatusBar->setObjectName(QStringLiteral("sbStatusBar"));
+  sbStatusBar->setSizeGripEnabled(false);
+  setStatusBar(sbStatusBar);
+
+  auto panel = [&](const char* name, const QString& text, const QString& tip, double width) {
+    auto* p = new QLabel(text, sbStatusBar);
+    p->setObjectName(QString::fromLatin1(name));
+    p->setToolTip(tip);
+    p->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+    p->setFixedWidth(TwipsToPx(width));
+    p->setIndent(2);
+    sbStatusBar->addWidget(p);
+    return p;
+  };
+  Panel1 = panel("Panel1", QStringLiteral("Status:"), QStringLiteral("Grundeinstellungen"), 2200);
+  Panel2 = panel("Panel2", QString(), QStringLiteral("letzte GPS-Daten (UTC)"), 1008);
+  Panel3 = panel("Panel3", QStringLiteral("EINFG"), QStringLiteral("Einfüge-Modus"), 800);
+  Panel3->setAlignment(Qt::AlignCenter);
+  Panel4 = panel("Panel4", QString(), QStringLiteral("Datum"), 900);
+  Panel4->setAlignment(Qt::AlignCenter);
+  Panel5 = panel("Panel5", QString(), QStringLiteral("System-Zeit"), 876);
+  Panel5->setAlignment(Qt::AlignCenter);
+
+  m_clockTimer = new QTimer(this);
+  m_clockTimer->setObjectName(QStringLiteral("sbClock"));
+  m_clockTimer->setInterval(1000);
+  connect(m_clockTimer, &QTimer::timeout, this, &frmMain::updateClockPanels);
+  updateClockPanels();
+}
+
+void frmMain::updateClockPanels() {
+  Panel4->setText(shortDate(QDate::currentDate()));
+  Panel5->setText(QTime::currentTime().toString(QStringLiteral("HH:mm:ss")));
+}
+
+void frmMain::fillRadiusList() {
+  const double radii[] = {6356.7747, 6367.6539915, 6371.00079, 6371.299, 6378.137, 6378.16,
+                          6384.0,    6377.397,     6378.245,   6381.93,  6374.492};
+  QStringList texts;
+  for (double radius : radii) texts << Format(radius, u"###0.0######");
+  texts << QStringLiteral(" ");
+  std::sort(texts.begin(), texts.end());
+  Combo1->clear();
+  Combo1->addItems(texts);
+  Combo1->setCurrentIndex(2);
+}
+
+void frmMain::placeWindow() {
+  const float left = ReadTwips(GetSetting(QStringLiteral("MainLeft"), QStringLiteral("1000"))).value_or(1000);
+  const float top = ReadTwips(GetSetting(QStringLiteral("MainTop"), QStringLiteral("1000"))).value_or(1000);
+  move(TwipsToPx(left), TwipsToPx(top));
+}
+
+void frmMain::Form_Load() {
+  if (m_loaded) return;
+  m_loaded = true;
+  if (!AcquireInstanceLock()) {
+    MsgBox(QStringLiteral("Das Programm zweimal zu aktivieren ist nicht ratsam. Wenn Sie diese "
+                          "möglichkeit benötigen, so wenden Sie sich bitte an den Autor dieser "
+                          "Software."),
+           vbExclamation, QStringLiteral("Marvento läuft bereits "));
+    exitProcess()();
+    return;
+  }
+  mnuNeu_Click();
+  placeWindow();
+  fillRadiusList();
+  m_clockTimer->start();
+  mnuProtokoll->setChecked(m_state.ProtokollOn);
+  lbInfo->clear();
+  lbKurs->clear();
+}
+
+QString frmMain::statusText() const {
+  return QStringLiteral("Status: ") + m_state.GpsStatus + QStringLiteral(" (") + m_state.ComPort +
+         QStringLiteral(")");
+}
+
+void frmMain::Form_Resize() {
+  if (isMinimized()) {
+    if (m_state.GpsStatus == kGpsAn) setWindowTitle(tbMyLoc->text());
+    return;
+  }
+  Panel1->setText(statusText());
+  setWindowTitle(QStringLiteral("Marvento"));
+}
+
+void frmMain::Form_Activate() {
+  m_activatePending = false;
+  if (m_state.GpsStatus != kGpsAn) {
+    if (tbMyLoc->text().isEmpty()) tbMyLoc->setText(m_state.MyHomeLoc);
+    if (!tbMyLoc->text().isEmpty()) {
+      tbFremdLoc->setFocus();
+    } else {
+      tbMyLoc->setFocus();
+    }
+    return;
+  }
+  startPoll();
+}
+
+void frmMain::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  Form_Resize();
+  // The activation follows the first display; it is handled at the next DoEvents.
+  if (!m_activatePending) {
+    m_activatePending = true;
+    QMetaObject::invokeMethod(this, &frmMain::Form_Activate, Qt::QueuedConnection);
+  }
+}
+
+void frmMain::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  if (event->type() == QEvent::WindowStateChange) Form_Resize();
+}
+
+void frmMain::mnuNeu_Click() {
+  tbFremdLoc->clear();
+  lblEntfernung->clear();
+  lblRichtung->clear();
+  tbMyLoc->clear();
+  tbMyLg->clear();
+  tbMyBr->clear();
+  tbFremdLg->clear();
+  tbFremdBr->clear();
+  setWindowTitle(QStringLiteral("Marvento "));
+  if (m_state.MyHomeLoc.isEmpty()) {
+    tbMyLoc->setFocus();
+  } else if (m_state.GpsStatus == kGpsAus) {
+    tbMyLoc->setText(m_state.MyHomeLoc);
+  }
+}
+
+void frmMain::mnuRechnen_Click() {
+  Compute();
+  tbFremdLoc->setFocus();
+}
+
+void frmMain::mnuGegenRichtung_Click() {}
+
+void frmMain::mnuGPS_Höhe_Click() {
+  if (m_state.GpsStatus == kGpsAn) {
+    return;
+  }
+  MsgBox(QStringLiteral("Kein GPS aktiv!        "), vbInformation, QStringLiteral(" GPS-Höhe "));
+}
+
+void frmMain::mnuGrundeinstellungen_Click() {}
+
+void frmMain::mnuProtokoll_Click() {
+  // The action has toggled its own mark already; the flag follows it.
+  m_state.ProtokollOn = mnuProtokoll->isChecked();
+}
+
+void frmMain::mnuBeenden_Click() {
+  close();
+}
+
+void frmMain::mnuHilfe_Click() {
+  ShowHelp();
+}
+
+void frmMain::mnuInfo_Click() {
+  ShowAbout();
+}
+
+void frmMain::ShowHelp() {}
+
+void frmMain::ShowAbout() {}
+
+void frmMain::HeightReport() {}
+
+void frmMain::LockEntry() {}
+
+void frmMain::UnlockEntry() {}
+
+void frmMain::startPoll() {}
+
+void frmMain::Compute() {}
+
+void frmMain::tbToolBar_ButtonClick(const QString& key) {
+  if (!tbMyLoc->isEnabled()) return;
+  if (key == u"Neu") {
+    mnuNeu_Click();
+  } else if (key == u"Rechnen") {
+    Compute();
+    tbFremdLoc->setFocus();
+  } else if (key == u"Beenden") {
+    mnuBeenden_Click();
+  } else if (key == u"Grundeinstellungen") {
+    mnuGrundeinstellungen_Click();
+  } else if (key == u"Info") {
+    ShowAbout();
+  } else if (key == u"Hilfe") {
+    ShowHelp();
+  }
+}
+
+void frmMain::Timer1_Timer() {
+  if (m_state.GpsStatus != kGpsAn) return;
+  startPoll();
+}
+
+int frmMain::radiusListIndex() const {
+  const int index = Combo1->currentIndex();
+  if (index >= 0 && Combo1->itemText(index) == Combo1->currentText()) return index;
+  return -1;
+}
+
+bool frmMain::insertMode() const {
+  return m_insertMode;
+}
+
+bool frmMain::Form_QueryUnload() {
+  const int answer = MsgBox(QStringLiteral("Programm wirklich beenden ?"), vbOKCancel | vbQuestion,
+                            QStringLiteral(" ") + windowTitle() + QStringLiteral(": Programmende"));
+  const bool timerWasOn = Timer1->isActive();
+  Timer1->stop();
+  if (answer == vbCancel) {
+    // Reception goes on after a refused closing, as after every other modal question.
+    if (timerWasOn && m_state.GpsStatus == kGpsAn) SetTimerEnabled(Timer1, true);
+    return false;
+  }
+  return true;
+}
+
+void frmMain::Form_Unload() {
+  ExitSettings window;
+  window.radiusPosition = radiusListIndex();
+  window.minimized = isMinimized();
+  window.leftTwips = static_cast<float>(PxToTwips(x()));
+  window.topTwips = static_cast<float>(PxToTwips(y()));
+  WriteExitSettings(m_state, window);
+  for (QWidget* other : QApplication::topLevelWidgets()) {
+    if (other != this && other->isVisible()) other->close();
+  }
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+  if (!Form_QueryUnload()) {
+    event->ignore();
+    return;
+  }
+  Form_Unload();
+  ReleaseInstanceLock();
+  event->accept();
+}
+
+bool frmMain::eventFilter(QObject* watched, QEvent* event) {
+  const auto type = event->type();
+  if (type != QEvent::KeyPress && type != QEvent::KeyRelease) return false;
+  // A key reaches the filter once for the focused control and again for each parent that
+  // does not take it; only the first delivery inside this window counts.
+  QWidget* focus = QApplication::focusWidget();
+  const bool first = focus ? watched == focus : watched == this;
+  if (!first) return false;
+  if (focus && focus != this && !isAncestorOf(focus)) return false;
+  if (QApplication::activeModalWidget()) return false;
+
+  auto* key = static_cast<QKeyEvent*>(event);
+  if (type == QEvent::KeyRelease) {
+    if (!key->isAutoRepeat()) Form_KeyUp(key->key(), key->modifiers());
+    return false;
+  }
+  if (key->key() == Qt::Key_Insert && key->modifiers() == Qt::NoModifier) {
+    m_insertMode = !m_insertMode;
+    Panel3->setEnabled(m_insertMode);
+    return false;
+  }
+  if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
+    Form_KeyPress(watched, 13, QString());
+    return false;
+  }
+  const QString text = key->text();
+  if (text.size() == 1 && !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier))) {
+    Form_KeyPress(watched, text.at(0).unicode(), text);
+  }
+  return false;
+}
+
+void frmMain::Form_KeyPress(QObject* target, int keyAscii, const QString& text) {
+  QLineEdit* edit = qobject_cast<QLineEdit*>(target);
+  if (auto* combo = qobject_cast<QComboBox*>(target); combo && combo->isEditable()) {
+    edit = combo->lineEdit();
+  }
+  if (keyAscii == 13) {
+    if (edit) edit->setText(edit->text().trimmed());
+    Compute();
+    return;
+  }
+  if (m_insertMode || !edit) return;
+  if (keyAscii == 34 || keyAscii == 39 || text == u"°") {
+    edit->cursorForward(false, 1);
+    edit->del();
+  } else if ((keyAscii >= 48 && keyAscii <= 90) || (keyAscii >= 97 && keyAscii <= 122)) {
+    edit->del();
+  }
+}
+
+void frmMain::Form_KeyUp(int keyCode, Qt::KeyboardModifiers modifiers) {
+  if (m_state.GpsStatus == kGpsAn && keyCode == Qt::Key_A && modifiers == Qt::ControlModifier) {
+    HeightReport();
+  }
+}
+
+}  // namespace marvento

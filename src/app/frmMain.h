@@ -1,0 +1,140 @@
+#pragma once
+
+#include "app/Module1.h"
+
+#include <QMainWindow>
+
+#include <functional>
+#include <memory>
+
+class QAction;
+class QComboBox;
+class QFrame;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QStatusBar;
+class QTimer;
+class QToolBar;
+
+namespace marvento {
+
+class CommControl;
+
+// The one window of the program. Its controls are the working data of the compute
+// command and of GPS reception, so they are public and carry their design names.
+class frmMain : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  explicit frmMain(Module1& state, QWidget* parent = nullptr);
+  ~frmMain() override;
+
+  // Entry fields and results.
+  QLabel* Label1 = nullptr;
+  QLabel* Label2 = nullptr;
+  QLabel* Label3 = nullptr;
+  QLabel* Label4 = nullptr;
+  QLabel* Label5 = nullptr;
+  QLabel* Label6 = nullptr;
+  QLabel* Label7 = nullptr;
+  QLineEdit* tbMyLoc = nullptr;
+  QLineEdit* tbFremdLoc = nullptr;
+  QLineEdit* tbMyLg = nullptr;
+  QLineEdit* tbMyBr = nullptr;
+  QLineEdit* tbFremdLg = nullptr;
+  QLineEdit* tbFremdBr = nullptr;
+  QComboBox* Combo1 = nullptr;
+  QLabel* lblEntfernung = nullptr;
+  QLabel* lblRichtung = nullptr;
+  QLabel* lbInfo = nullptr;
+  QLabel* lbKurs = nullptr;
+  QFrame* Line1 = nullptr;
+  QFrame* Line2 = nullptr;
+  QFrame* Line3 = nullptr;
+
+  QToolBar* tbToolBar = nullptr;
+  QStatusBar* sbStatusBar = nullptr;
+  QLabel* Panel1 = nullptr;
+  QLabel* Panel2 = nullptr;
+  QLabel* Panel3 = nullptr;
+  QLabel* Panel4 = nullptr;
+  QLabel* Panel5 = nullptr;
+
+  QMenu* mnuAktion = nullptr;
+  QMenu* mnuHelp = nullptr;
+  QAction* mnuNeu = nullptr;
+  QAction* mnuRechnen = nullptr;
+  QAction* mnuGegenRichtung = nullptr;
+  QAction* mnuGPS_Höhe = nullptr;
+  QAction* mnuGrundeinstellungen = nullptr;
+  QAction* mnuProtokoll = nullptr;
+  QAction* mnuBeenden = nullptr;
+  QAction* mnuHilfe = nullptr;
+  QAction* mnuInfo = nullptr;
+
+  QTimer* Timer1 = nullptr;
+  CommControl* MSComm1 = nullptr;
+
+  // Runs once, when Main first touches the window with the state record filled.
+  void Form_Load();
+  void Form_Activate();
+  void Form_Resize();
+
+  void mnuNeu_Click();
+  void mnuRechnen_Click();
+  void mnuGegenRichtung_Click();
+  void mnuGPS_Höhe_Click();
+  void mnuGrundeinstellungen_Click();
+  void mnuProtokoll_Click();
+  void mnuBeenden_Click();
+  void mnuHilfe_Click();
+  void mnuInfo_Click();
+  void tbToolBar_ButtonClick(const QString& key);
+  void Timer1_Timer();
+  void Compute();
+
+  // List position of Combo1 as the store keeps it: -1 when the text was typed.
+  int radiusListIndex() const;
+  // Panel 3 enabled means insert mode; the Insert key toggles it.
+  bool insertMode() const;
+  QString statusText() const;
+
+  // The process end of the second-instance guard; tests replace it.
+  static std::function<void()>& exitProcess();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void buildControls();
+  void buildMenus();
+  void buildToolBar();
+  void buildStatusBar();
+  void fillRadiusList();
+  void placeWindow();
+  void updateClockPanels();
+  bool Form_QueryUnload();
+  void Form_Unload();
+  void Form_KeyPress(QObject* target, int keyAscii, const QString& text);
+  void Form_KeyUp(int keyCode, Qt::KeyboardModifiers modifiers);
+  void ShowHelp();
+  void ShowAbout();
+  void HeightReport();
+  void LockEntry();
+  void UnlockEntry();
+  void startPoll();
+
+  Module1& m_state;
+  QTimer* m_clockTimer = nullptr;
+  bool m_loaded = false;
+  bool m_insertMode = true;
+  bool m_activatePending = false;
+  struct Subsystems;
+  std::unique_ptr<Subsystems> m_sub;
+};
+
+}  // namespace marvento

@@ -1,0 +1,315 @@
+#include "app/frmMain.h"
+
+#include "platform/MsgBoxRecorder.h"
+#include "platform/Settings.h"
+#include "support/ProgramFixture.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLockFile>
+#include <QLocale>
+#include <QMenu>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolBar>
+#include <QtTest>
+
+using namespace marvento;
+using marvento::test::IsolatedUser;
+using marvento::test::Program;
+
+class tst_frmMain : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void initTestCase() { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }
+
+  void firstRunShowsTheDefaults() {
+    IsolatedUser user;
+    MsgBoxRecorder boxes;
+    Program program;
+    frmMain* w = program.window();
+    const Module1& s = program.state();
+    QCOMPARE(s.GpsStatus, QStringLiteral("GPS aus"));
+    QCOMPARE(s.GradDezimal, false);
+    QCOMPARE(s.ComPort, QStringLiteral("Com1"));
+    QCOMPARE(s.ComSettings, QStringLiteral("4800,N,8,1"));
+    QCOMPARE(s.GpsIntervalSeconds, 30);
+    QCOMPARE(s.CrLf, QStringLiteral("\r\n"));
+    QCOMPARE(s.KfOffsets[13], 1);
+    QCOMPARE(w->Timer1->interval(), 30000);
+    QVERIFY(!w->Timer1->isActive());
+    QCOMPARE(w->Combo1->count(), 12);
+    QCOMPARE(w->Combo1->currentIndex(), 2);
+    QCOMPARE(w->Combo1->currentText(), QStringLiteral("6367,6539915"));
+    QCOMPARE(w->Combo1->itemText(0), QStringLiteral(" "));
+    QCOMPARE(w->Combo1->itemText(11), QStringLiteral("6384,0"));
+    QCOMPARE(w->Panel1->text(), QStringLiteral("Status: GPS aus (Com1)"));
+    QCOMPARE(w->windowTitle(), QStringLiteral("Marvento"));
+    QVERIFY(w->lbInfo->text().isEmpty());
+    QVERIFY(!w->mnuProtokoll->isChecked());
+    QCOMPARE(boxes.count(), 0);
+  }
+
+  void storedValuesReachTheWindow_data() {
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<int>("interval");
+    QTest::addColumn<QString>("radius");
+    QTest::addColumn<bool>("timerOn");
+    QTest::addColumn<QString>("status");
+    QTest::newRow("interval 65") << "GPS-Interval" << "65" << 65000 << "6367,6539915" << false << "Status: GPS aus (Com1)";
+    QTest::newRow("interval 66") << "GPS-Interval" << "66" << 65000 << "6367,6539915" << false << "Status: GPS aus (Com1)";
+    QTest::newRow("interval 30,7") << "GPS-Interval" << "30,7" << 30000 << "6367,6539915" << false << "Status: GPS aus (Com1)";
+    QTest::newRow("interval 31.5") << "GPS-Interval" << "31.5" << 32000 << "6367,6539915" << false << "Status: GPS aus (Com1)";
+    QTest::newRow("interval 5") << "GPS-Interval" << "5" << 5000 << "6367,6539915" << false << "Status: GPS aus (Com1)";
+    QTest::newRow("typed radius") << "Radius" << "-1" << 30000 << "" << false << "Status: GPS aus (Com1)";
+    QTest::newRow("radius 4") << "Radius" << "4" << 30000 << "6374,492" << false << "Status: GPS aus (Com1)";
+    QTest::newRow("radius outside") << "Radius" << "99" << 30000 << "6367,6539915" << false << "Status: GPS aus (Com1)";
+    QTest::newRow("port prefix only") << "Com" << "Com" << 30000 << "6367,6539915" << false << "Status: GPS aus (Com)";
+    QTest::newRow("odd status") << "GPS" << "GPS irgendwas" << 30000 << "6367,6539915" << true << "Status: GPS irgendwas (Com1)";
+  }
+  void storedValuesReachTheWindow() {
+    QFETCH(QString, key);
+    QFETCH(QString, value);
+    IsolatedUser user;
+    SaveSetting(key, value);
+    Program program;
+    frmMain* w = program.window();
+    QCOMPARE(w->Timer1->interval(), QFETCH(int, interval));
+    QCOMPARE(w->Combo1->currentText(), QFETCH(QString, radius));
+    QCOMPARE(w->Timer1->isActive(), QFETCH(bool, timerOn));
+    QCOMPARE(w->Panel1->text(), QFETCH(QString, status));
+  }
+
+  void homeLocatorAtStart_data() {
+    QTest::addColumn<QString>("gps");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("reception off keeps the text as stored") << "GPS aus" << "  JO31AB ";
+    QTest::newRow("reception on takes it trimmed") << "GPS an" << "JO31AB";
+  }
+  void homeLocatorAtStart() {
+    QFETCH(QString, gps);
+    IsolatedUser user;
+    SaveSetting(QStringLiteral("MyHomeLoc"), QStringLiteral("  JO31AB "));
+    SaveSetting(QStringLiteral("GPS"), gps);
+    SaveSetting(QStringLiteral("Com"), QStringLiteral("Com3"));
+    QSettings(user.configFile(), QSettings::IniFormat).setValue("Ports/Com3", user.path() + "/none");
+    MsgBoxRecorder boxes;
+    Program program;
+    QCOMPARE(program.window()->tbMyLoc->text(), QFETCH(QString, expected));
+  }
+
+  void newClearsTheFields_data() {
+    QTest::addColumn<QString>("home");
+    QTest::addColumn<QString>("myLoc");
+    QTest::addColumn<bool>("focusOnMyLoc");
+    QTest::newRow("with home locator") << "JO62QM" << "JO62QM" << false;
+    QTest::newRow("without home locator") << "" << "" << true;
+  }
+  void newClearsTheFields() {
+    QFETCH(QString, home);
+    IsolatedUser user;
+    SaveSetting(QStringLiteral("MyHomeLoc"), home);
+    Program program;
+    frmMain* w = program.window();
+    QVERIFY(QTest::qWaitForWindowActive(w));
+    w->tbFremdLoc->setFocus();
+    for (QLineEdit* f : {w->tbMyLoc, w->tbFremdLoc, w->tbMyLg, w->tbMyBr, w->tbFremdLg, w->tbFremdBr}) {
+      f->setText(QStringLiteral("x"));
+    }
+    w->lblEntfernung->setText(QStringLiteral("1 km"));
+    w->lbInfo->setText(QStringLiteral("bleibt"));
+    w->mnuNeu->trigger();
+    QCOMPARE(w->tbMyLoc->text(), QFETCH(QString, myLoc));
+    for (QLineEdit* f : {w->tbFremdLoc, w->tbMyLg, w->tbMyBr, w->tbFremdLg, w->tbFremdBr}) {
+      QVERIFY(f->text().isEmpty());
+    }
+    QVERIFY(w->lblEntfernung->text().isEmpty());
+    QCOMPARE(w->lbInfo->text(), QStringLiteral("bleibt"));
+    QCOMPARE(w->windowTitle(), QStringLiteral("Marvento "));
+    QCOMPARE(w->tbMyLoc->hasFocus(), QFETCH(bool, focusOnMyLoc));
+  }
+
+  void closingAsksFirst_data() {
+    QTest::addColumn<int>("answer");
+    QTest::addColumn<bool>("minimised");
+    QTest::newRow("cancel") << int(vbCancel) << false;
+    QTest::newRow("ok") << int(vbOK) << false;
+    QTest::newRow("ok when minimised") << int(vbOK) << true;
+  }
+  void closingAsksFirst() {
+    QFETCH(int, answer);
+    QFETCH(bool, minimised);
+    IsolatedUser user;
+    Program program;
+    frmMain* w = program.window();
+    w->tbFremdLoc->setText(QStringLiteral("JN58TD"));
+    if (minimised) {
+      w->showMinimized();
+      QCoreApplication::processEvents();
+    }
+    MsgBoxRecorder boxes;
+    boxes.answer(answer);
+    w->mnuBeenden->trigger();
+    QCOMPARE(boxes.count(), 1);
+    QCOMPARE(boxes.last().prompt, QStringLiteral("Programm wirklich beenden ?"));
+    QCOMPARE(boxes.last().style, 33);
+    QCOMPARE(boxes.last().title, QStringLiteral(" ") + w->windowTitle() + QStringLiteral(": Programmende"));
+    if (answer == vbCancel) {
+      QVERIFY(w->isVisible());
+      QCOMPARE(w->tbFremdLoc->text(), QStringLiteral("JN58TD"));
+      QVERIFY(!user.stored(QStringLiteral("GPS")));
+      return;
+    }
+    QVERIFY(!w->isVisible());
+    QCOMPARE(user.stored(QStringLiteral("GPS")), QStringLiteral("GPS aus"));
+    QCOMPARE(user.stored(QStringLiteral("Radius")), QStringLiteral("2"));
+    QCOMPARE(user.stored(QStringLiteral("GPS-Interval")), QStringLiteral("30"));
+    QCOMPARE(user.stored(QStringLiteral("Bit-Sek")), QStringLiteral("4800"));
+    QVERIFY(!user.stored(QStringLiteral("MyHomeLoc")));
+    QCOMPARE(user.stored(QStringLiteral("MainLeft")).has_value(), !minimised);
+  }
+
+  void closingKeepsTimerRunningAfterCancel() {
+    IsolatedUser user;
+    Program program;
+    frmMain* w = program.window();
+    program.state().GpsStatus = QStringLiteral("GPS an");
+    w->Timer1->start();
+    MsgBoxRecorder boxes;
+    boxes.answer(vbCancel);
+    w->close();
+    QVERIFY(w->isVisible());
+    QVERIFY(w->Timer1->isActive());
+  }
+
+  void secondInstanceEndsWithoutSaving() {
+    IsolatedUser user;
+    QLockFile other(user.path() + QStringLiteral("/marvento.lock"));
+    QVERIFY(other.tryLock(0));
+    bool ended = false;
+    auto saved = frmMain::exitProcess();
+    frmMain::exitProcess() = [&] { ended = true; };
+    MsgBoxRecorder boxes;
+    {
+      Program program;
+      QVERIFY(ended);
+      QCOMPARE(boxes.count(), 1);
+      QCOMPARE(boxes.last().style, 48);
+      QCOMPARE(boxes.last().title, QStringLiteral("Marvento läuft bereits "));
+      QVERIFY(boxes.last().prompt.startsWith(QStringLiteral("Das Programm zweimal zu aktivieren ist nicht ratsam. Wenn Sie diese möglichkeit")));
+    }
+    frmMain::exitProcess() = saved;
+    QVERIFY(!QFile::exists(user.configFile()));
+  }
+
+  void staleLockOfACrashedInstanceDoesNotLockOut() {
+    IsolatedUser user;
+    QFile stale(user.path() + QStringLiteral("/marvento.lock"));
+    QVERIFY(stale.open(QIODevice::WriteOnly));
+    stale.write("999999\nmarvento\nhost\n");  // a process id that does not run
+    stale.close();
+    MsgBoxRecorder boxes;
+    Program program;
+    QCOMPARE(boxes.count(), 0);
+    QVERIFY(program.window()->isVisible());
+  }
+
+  void overwriteMode_data() {
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("cursor");
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("insertResult");
+    QTest::addColumn<QString>("overwriteResult");
+    QTest::newRow("digit replaces") << "JO31" << 2 << "4" << "JO431" << "JO41";
+    QTest::newRow("at the end appends") << "JO31" << 4 << "5" << "JO315" << "JO315";
+    QTest::newRow("small letter replaces") << "jo31" << 0 << "k" << "kjo31" << "ko31";
+    QTest::newRow("degree sign steps over") << "52 30" << 1 << "°" << "5°2 30" << "52°30";
+    QTest::newRow("quote steps over") << "52 30" << 1 << "'" << "5'2 30" << "52'30";
+    QTest::newRow("comma deletes nothing") << "52 30" << 2 << "," << "52, 30" << "52, 30";
+    QTest::newRow("blank deletes nothing") << "5230" << 2 << " " << "52 30" << "52 30";
+  }
+  void overwriteMode() {
+    QFETCH(QString, text);
+    QFETCH(int, cursor);
+    QFETCH(QString, typed);
+    IsolatedUser user;
+    Program program;
+    frmMain* w = program.window();
+    QVERIFY(QTest::qWaitForWindowActive(w));
+    for (bool overwrite : {false, true}) {
+      if (overwrite != !w->insertMode()) QTest::keyClick(w->tbMyLg, Qt::Key_Insert);
+      QCOMPARE(w->Panel3->isEnabled(), !overwrite);
+      w->tbMyLg->setFocus();
+      w->tbMyLg->setText(text);
+      w->tbMyLg->setCursorPosition(cursor);
+      QTest::keyClicks(w->tbMyLg, typed);
+      QCOMPARE(w->tbMyLg->text(), overwrite ? QFETCH(QString, overwriteResult) : QFETCH(QString, insertResult));
+    }
+  }
+
+  void enterTrimsTheFocusedField() {
+    IsolatedUser user;
+    Program program;
+    frmMain* w = program.window();
+    QVERIFY(QTest::qWaitForWindowActive(w));
+    MsgBoxRecorder boxes;
+    w->tbFremdLoc->setFocus();
+    w->tbFremdLoc->setText(QStringLiteral("  JO31  "));
+    QTest::keyClick(w->tbFremdLoc, Qt::Key_Return);
+    QCOMPARE(w->tbFremdLoc->text(), QStringLiteral("JO31"));
+    QVERIFY(w->tbFremdLoc->hasFocus());
+    w->Combo1->setFocus();
+    w->Combo1->setEditText(QStringLiteral(" 6371 "));
+    QTest::keyClick(w->Combo1, Qt::Key_Return);
+    QCOMPARE(w->Combo1->currentText(), QStringLiteral("6371"));
+    QCOMPARE(w->Combo1->count(), 12);  // Enter adds nothing to the list
+  }
+
+  void gpsHeightWithReceptionOffOnlyTells() {
+    IsolatedUser user;
+    Program program;
+    MsgBoxRecorder boxes;
+    program.window()->mnuGPS_Höhe->trigger();
+    QCOMPARE(boxes.count(), 1);
+    QCOMPARE(boxes.last().prompt, QStringLiteral("Kein GPS aktiv!        "));
+    QCOMPARE(boxes.last().title, QStringLiteral(" GPS-Höhe "));
+    QCOMPARE(boxes.last().style, 64);
+  }
+
+  void logMenuCarriesTheFlag() {
+    IsolatedUser user;
+    SaveSetting(QStringLiteral("Protokoll"), QStringLiteral("True"));
+    Program program;
+    frmMain* w = program.window();
+    QVERIFY(w->mnuProtokoll->isChecked());
+    w->mnuProtokoll->trigger();
+    QVERIFY(!w->mnuProtokoll->isChecked());
+    QCOMPARE(program.state().ProtokollOn, false);
+    w->mnuProtokoll->trigger();
+    QCOMPARE(program.state().ProtokollOn, true);
+  }
+
+  void controlsCarryTheirNames() {
+    IsolatedUser user;
+    Program program;
+    frmMain* w = program.window();
+    for (const char* name : {"tbMyLoc", "tbFremdLoc", "tbMyLg", "tbMyBr", "tbFremdLg", "tbFremdBr",
+                             "Combo1", "lblEntfernung", "lblRichtung", "lbInfo", "lbKurs", "Label7"}) {
+      QVERIFY2(w->findChild<QWidget*>(QString::fromLatin1(name)), name);
+    }
+    for (const char* name : {"Neu", "Rechnen", "Beenden", "Grundeinstellungen", "Info", "Hilfe",
+                             "mnuNeu", "mnuGegenRichtung", "mnuGPS_Höhe", "mnuBeenden", "mnuInfo"}) {
+      QVERIFY2(w->findChild<QAction*>(QString::fromUtf8(name)), name);
+    }
+    QCOMPARE(w->findChild<QLabel*>("Label5")->text(), QStringLiteral("östl. &Länge [°]"));
+    QCOMPARE(w->tbMyLoc->maxLength(), 10);
+    QCOMPARE(w->mnuGPS_Höhe->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_H));
+    QCOMPARE(w->sbStatusBar->findChild<QLabel*>("Panel3")->text(), QStringLiteral("EINFG"));
+  }
+};
+
+QTEST_MAIN(tst_frmMain)
+#include "tst_frmMain.moc"

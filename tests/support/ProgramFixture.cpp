@@ -1,0 +1,47 @@
+#include "support/ProgramFixture.h"
+
+#include "app/InstanceGuard.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QSettings>
+
+namespace marvento::test {
+
+IsolatedUser::IsolatedUser() : m_config(qgetenv("XDG_CONFIG_HOME")), m_runtime(qgetenv("XDG_RUNTIME_DIR")) {
+  QFile::setPermissions(m_dir.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                          QFileDevice::ExeOwner);
+  qputenv("XDG_CONFIG_HOME", m_dir.path().toLocal8Bit());
+  qputenv("XDG_RUNTIME_DIR", m_dir.path().toLocal8Bit());
+}
+
+IsolatedUser::~IsolatedUser() {
+  qputenv("XDG_CONFIG_HOME", m_config);
+  qputenv("XDG_RUNTIME_DIR", m_runtime);
+}
+
+QString IsolatedUser::configFile() const {
+  return m_dir.path() + QStringLiteral("/Marvento/Marvento.conf");
+}
+
+std::optional<QString> IsolatedUser::stored(const QString& key) const {
+  QSettings file(configFile(), QSettings::IniFormat);
+  const QString name = QStringLiteral("Settings/") + key;
+  if (!file.contains(name)) return std::nullopt;
+  return file.value(name).toString();
+}
+
+Program::Program() {
+  State() = Module1{};
+  Main();
+  m_window = State().MainForm;
+}
+
+Program::~Program() {
+  delete m_window;
+  State().MainForm = nullptr;
+  ReleaseInstanceLock();
+  QCoreApplication::processEvents();
+}
+
+}  // namespace marvento::test
