@@ -55,7 +55,9 @@ TEST(SettingsStore, PortNumberCountsOnlyThePrefixLength) {
   for (const auto& [text, expected] : cases) {
     const auto number = ReadPortNumber(QString::fromLatin1(text));
     ASSERT_EQ(number.has_value(), expected.has_value()) << text;
-    if (number) EXPECT_EQ(*number, *expected) << text;
+    if (number) {
+      EXPECT_EQ(*number, *expected) << text;
+    }
   }
 }
 
@@ -67,7 +69,9 @@ TEST(SettingsStore, RadiusPositionMustBeAListPosition) {
   for (const auto& [text, expected] : cases) {
     const auto position = ReadRadiusPosition(QString::fromLatin1(text));
     ASSERT_EQ(position.has_value(), expected.has_value()) << text;
-    if (position) EXPECT_EQ(*position, *expected) << text;
+    if (position) {
+      EXPECT_EQ(*position, *expected) << text;
+    }
   }
 }
 

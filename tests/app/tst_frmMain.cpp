@@ -77,10 +77,14 @@ class tst_frmMain : public QObject {
     SaveSetting(key, value);
     Program program;
     frmMain* w = program.window();
-    QCOMPARE(w->Timer1->interval(), QFETCH(int, interval));
-    QCOMPARE(w->Combo1->currentText(), QFETCH(QString, radius));
-    QCOMPARE(w->Timer1->isActive(), QFETCH(bool, timerOn));
-    QCOMPARE(w->Panel1->text(), QFETCH(QString, status));
+    QFETCH(int, interval);
+    QFETCH(QString, radius);
+    QFETCH(bool, timerOn);
+    QFETCH(QString, status);
+    QCOMPARE(w->Timer1->interval(), interval);
+    QCOMPARE(w->Combo1->currentText(), radius);
+    QCOMPARE(w->Timer1->isActive(), timerOn);
+    QCOMPARE(w->Panel1->text(), status);
   }
 
   void homeLocatorAtStart_data() {
@@ -98,7 +102,8 @@ class tst_frmMain : public QObject {
     QSettings(user.configFile(), QSettings::IniFormat).setValue("Ports/Com3", user.path() + "/none");
     MsgBoxRecorder boxes;
     Program program;
-    QCOMPARE(program.window()->tbMyLoc->text(), QFETCH(QString, expected));
+    QFETCH(QString, expected);
+    QCOMPARE(program.window()->tbMyLoc->text(), expected);
   }
 
   void newClearsTheFields_data() {
@@ -122,14 +127,16 @@ class tst_frmMain : public QObject {
     w->lblEntfernung->setText(QStringLiteral("1 km"));
     w->lbInfo->setText(QStringLiteral("bleibt"));
     w->mnuNeu->trigger();
-    QCOMPARE(w->tbMyLoc->text(), QFETCH(QString, myLoc));
+    QFETCH(QString, myLoc);
+    QFETCH(bool, focusOnMyLoc);
+    QCOMPARE(w->tbMyLoc->text(), myLoc);
     for (QLineEdit* f : {w->tbFremdLoc, w->tbMyLg, w->tbMyBr, w->tbFremdLg, w->tbFremdBr}) {
       QVERIFY(f->text().isEmpty());
     }
     QVERIFY(w->lblEntfernung->text().isEmpty());
     QCOMPARE(w->lbInfo->text(), QStringLiteral("bleibt"));
     QCOMPARE(w->windowTitle(), QStringLiteral("Marvento "));
-    QCOMPARE(w->tbMyLoc->hasFocus(), QFETCH(bool, focusOnMyLoc));
+    QCOMPARE(w->tbMyLoc->hasFocus(), focusOnMyLoc);
   }
 
   void closingAsksFirst_data() {
@@ -235,6 +242,8 @@ class tst_frmMain : public QObject {
     QFETCH(QString, text);
     QFETCH(int, cursor);
     QFETCH(QString, typed);
+    QFETCH(QString, insertResult);
+    QFETCH(QString, overwriteResult);
     IsolatedUser user;
     Program program;
     frmMain* w = program.window();
@@ -246,7 +255,7 @@ class tst_frmMain : public QObject {
       w->tbMyLg->setText(text);
       w->tbMyLg->setCursorPosition(cursor);
       QTest::keyClicks(w->tbMyLg, typed);
-      QCOMPARE(w->tbMyLg->text(), overwrite ? QFETCH(QString, overwriteResult) : QFETCH(QString, insertResult));
+      QCOMPARE(w->tbMyLg->text(), overwrite ? overwriteResult : insertResult);
     }
   }
 
