@@ -277,23 +277,30 @@ void frmMain::buildStatusBar() {
   sbStatusBar->setSizeGripEnabled(false);
   setStatusBar(sbStatusBar);
 
-  auto panel = [&](const char* name, const QString& text, const QString& tip, double width) {
+  // Each panel has its design width, or more where the font needs it for its widest text.
+  auto panel = [&](const char* name, const QString& text, const QString& tip, double width,
+                   const QString& widest) {
     auto* p = new QLabel(text, sbStatusBar);
     p->setObjectName(QString::fromLatin1(name));
     p->setToolTip(tip);
     p->setFrameStyle(QFrame::Panel | QFrame::Sunken);
-    p->setFixedWidth(TwipsToPx(width));
+    p->setFixedWidth(std::max(TwipsToPx(width), p->fontMetrics().horizontalAdvance(widest) + 12));
     p->setIndent(2);
     sbStatusBar->addWidget(p);
     return p;
   };
-  Panel1 = panel("Panel1", QStringLiteral("Status:"), QStringLiteral("Grundeinstellungen"), 2200);
-  Panel2 = panel("Panel2", QString(), QStringLiteral("letzte GPS-Daten (UTC)"), 1008);
-  Panel3 = panel("Panel3", QStringLiteral("EINFG"), QStringLiteral("Einfüge-Modus"), 800);
+  Panel1 = panel("Panel1", QStringLiteral("Status:"), QStringLiteral("Grundeinstellungen"), 2200,
+                 QStringLiteral("Status: GPS aus (Com29)"));
+  Panel2 = panel("Panel2", QString(), QStringLiteral("letzte GPS-Daten (UTC)"), 1008,
+                 QStringLiteral("23:59:60"));
+  Panel3 = panel("Panel3", QStringLiteral("EINFG"), QStringLiteral("Einfüge-Modus"), 800,
+                 QStringLiteral("EINFG"));
   Panel3->setAlignment(Qt::AlignCenter);
-  Panel4 = panel("Panel4", QString(), QStringLiteral("Datum"), 900);
+  Panel4 = panel("Panel4", QString(), QStringLiteral("Datum"), 900,
+                 shortDate(QDate(2000, 12, 28)));
   Panel4->setAlignment(Qt::AlignCenter);
-  Panel5 = panel("Panel5", QString(), QStringLiteral("System-Zeit"), 876);
+  Panel5 = panel("Panel5", QString(), QStringLiteral("System-Zeit"), 876,
+                 QStringLiteral("00:00:00"));
   Panel5->setAlignment(Qt::AlignCenter);
 
   m_clockTimer = new QTimer(this);
