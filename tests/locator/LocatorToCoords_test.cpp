@@ -1,0 +1,169 @@
+#include "locator/LocatorToCoords.h"
+
+#include "locator/CoordsToLocator.h"
+#include "platform/MsgBoxRecorder.h"
+
+#include <gtest/gtest.h>
+
+namespace marvento {
+namespace {
+
+using Status = LocatorDecode::Status;
+
+struct DecodeCase {
+  const char16_t* text;
+  Status status;
+  double Lg;  // for BadHead not looked at
+  double Br;
+};
+
+// Values given with 17 digits must come out bit for bit; the others to 1e-9.
+TEST(DecodeLocator, DecodesCentresAndCorners) {
+  const DecodeCase cases[] = {
+      {u"JO62QM", LocatorDecode::Ok, 13.375, 52.520833333333},
+      {u"JO62QM50", LocatorDecode::Ok, 13.375, 52.5},
+      {u"JO62QM84AT", LocatorDecode::Ok, 13.4, 52.519965277778},
+      {u"AA00AA", LocatorDecode::Ok, -179.958333333333, -89.979166666667},
+      {u"RR99XX", LocatorDecode::Ok, 179.958333333333, 89.979166666667},
+      {u"AA00AA00AA", LocatorDecode::Ok, -180, -90},
+      // A missing position in 7 to 10 adds nothing.
+      {u"JO62QM5", LocatorDecode::Ok, 13.375, 52.5},
+      {u"JO62QM50A", LocatorDecode::Ok, 13.375, 52.5},
+      {u"JO62QM5Z", LocatorDecode::BadTail, 13.375, 52.520833333333},
+      {u"JO62QM50AY", LocatorDecode::BadTail, 13.375, 52.520833333333},
+      {u"SA00AA", LocatorDecode::BadHead, 0, 0},
+      {u"AS00AA", LocatorDecode::BadHead, 0, 0},
+      {u"JO62YA", LocatorDecode::BadHead, 0, 0},
+      {u"JO62AY", LocatorDecode::BadHead, 0, 0},
+      {u"JOA2QM", LocatorDecode::BadHead, 0, 0},
+      {u"JO6:QM", LocatorDecode::BadHead, 0, 0},
+      {u"@O62QM", LocatorDecode::BadHead, 0, 0},
+      // Small letters are the caller's to raise; here they are refused.
+      {u"jo62qm", LocatorDecode::BadHead, 0, 0},
+      {u"JO62qm", LocatorDecode::BadHead, 0, 0},
+      {u"JO62QMab", LocatorDecode::BadTail, 13.375, 52.520833333333},
+      {u"JO62QM8 ", LocatorDecode::BadTail, 13.375, 52.520833333333},
+      // Positions behind the end count as empty and fail in 1 to 6.
+      {u"", LocatorDecode::BadHead, 0, 0},
+      {u"JO62Q", LocatorDecode::BadHead, 0, 0},
+      {u"J", LocatorDecode::BadHead, 0, 0},
+      {u"ÄO62QM", LocatorDecode::BadHead, 0, 0},
+      {u"JO62QM8\u00B9", LocatorDecode::BadTail, 13.375, 52.520833333333},
+      // Only the first ten characters are looked at.
+      {u"JO62QM84ATxyz", LocatorDecode::Ok, 13.4, 52.519965277778},
+  };
+  for (const auto& c : cases) {
+    const QString text = QString::fromUtf16(c.text);
+    SCOPED_TRACE(text.toStdString());
+    const LocatorDecode d = DecodeLocator(text);
+    EXPECT_EQ(d.status, c.status);
+    EXPECT_EQ(d.shown, text.left(10));
+    if (c.status != LocatorDecode::BadHead) {
+      EXPECT_NEAR(d.Lg, c.Lg, 1e-9);
+      EXPECT_NEAR(d.Br, c.Br, 1e-9);
+    }
+  }
+}
+
+// The decimal half-cell constants and the order of the sums decide the last bits, and
+// with them whether a locator survives the way back.
+TEST(DecodeLocator, KeepsTheLastBitsOfTheSums) {
+  struct Exact {
+    const char* text;
+    double Lg;
+    double Br;
+    const char* reencoded10;
+  };
+  const Exact cases[] = {
+      {"JJ00AA", 0.0416666666666667, 0.0208333333333334, nullptr},
+      {"AA00AA00AA", -180.0, -90.0, "AA00AA00AA"},
+      {"BB35LF84OR", -153.01180555555558, -74.77204861111112, "BB35LF84NQ"},
+      {"JO62QM84AT", 13.4, 52.519965277777779, "JO62QM84AT"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    const LocatorDecode d = DecodeLocator(QString::fromLatin1(c.text));
+    ASSERT_EQ(d.status, LocatorDecode::Ok);
+    EXPECT_EQ(d.Lg, c.Lg);
+    EXPECT_EQ(d.Br, c.Br);
+    if (c.reencoded10) {
+      EXPECT_EQ(CoordsToLocator10(d.Lg, d.Br), QLatin1String(c.reencoded10));
+    }
+  }
+}
+
+TEST(DecodeLocator, SurvivesHostileText) {
+  QString longText(10000, QChar(u'Z'));
+  const QString nul = QString::fromUtf16(u"JO\0002QM", 6);
+  const QString surrogates = QString::fromUtf16(u"\U0001F4E1\U0001F4E1\U0001F4E1\U0001F4E1\U0001F4E1\U0001F4E1");
+  const QString mixed = QStringLiteral("JO62QM84AT") + QString(9990, QChar(0xFFFF));
+  EXPECT_EQ(DecodeLocator(longText).status, LocatorDecode::BadHead);
+  EXPECT_EQ(DecodeLocator(longText).shown.size(), 10);
+  EXPECT_EQ(DecodeLocator(nul).status, LocatorDecode::BadHead);
+  EXPECT_EQ(DecodeLocator(surrogates).status, LocatorDecode::BadHead);
+  EXPECT_EQ(DecodeLocator(mixed).status, LocatorDecode::Ok);
+}
+
+// Six-character locators sit at least 1/48 degree from their cell edges, so their centres
+// must encode back to the same text. Every 97th of them here; the full set is a benchmark.
+TEST(DecodeLocator, SixCharacterLocatorsComeBackThroughTheEncoder) {
+  constexpr int kCount = 18 * 18 * 10 * 10 * 24 * 24;
+  QString loc(6, QChar(u' '));
+  int wrong = 0;
+  int checked = 0;
+  for (int i = 0; i < kCount; i += 97) {
+    int n = i;
+    loc[5] = QChar(u'A' + n % 24), n /= 24;
+    loc[4] = QChar(u'A' + n % 24), n /= 24;
+    loc[3] = QChar(u'0' + n % 10), n /= 10;
+    loc[2] = QChar(u'0' + n % 10), n /= 10;
+    loc[1] = QChar(u'A' + n % 18), n /= 18;
+    loc[0] = QChar(u'A' + n);
+    const LocatorDecode d = DecodeLocator(loc);
+    ++checked;
+    if (d.status != LocatorDecode::Ok || CoordsToLocator6(d.Lg, d.Br) != loc) {
+      if (++wrong <= 5) ADD_FAILURE() << loc.toStdString();
+    }
+  }
+  EXPECT_EQ(wrong, 0);
+  EXPECT_EQ(checked, (kCount + 96) / 97);
+}
+
+TEST(LocatorToCoords, TellsTheUserOnceAndKeepsOrSetsThePosition) {
+  struct WrapperCase {
+    QString text;
+    bool accepted;
+    double Lg;  // what the variables hold afterwards; they start at 7 / 8
+    double Br;
+  };
+  const WrapperCase cases[] = {
+      {QStringLiteral("JO62QM84AT"), true, 13.4, 52.519965277777779},
+      {QStringLiteral("JO62QM5"), true, 13.375, 52.5},
+      {QStringLiteral("JO62YA"), false, 7, 8},
+      {QStringLiteral("JO62"), false, 7, 8},
+      {QStringLiteral("JO62QM50AY"), false, 13.375, 52.520833333333336},
+      {QStringLiteral("JO62QM84AYTRAILING"), false, 13.375, 52.520833333333336},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text.toStdString());
+    MsgBoxRecorder rec;
+    double Lg = 7;
+    double Br = 8;
+    EXPECT_EQ(LocatorToCoords(c.text, Lg, Br), c.accepted);
+    EXPECT_EQ(Lg, c.Lg);
+    EXPECT_EQ(Br, c.Br);
+    if (c.accepted) {
+      EXPECT_EQ(rec.count(), 0);
+      EXPECT_EQ(rec.beeps(), 0);
+      continue;
+    }
+    ASSERT_EQ(rec.count(), 1);
+    EXPECT_EQ(rec.entries()[0].beepsBefore, 1);
+    EXPECT_EQ(rec.last().prompt, c.text.left(10));
+    EXPECT_EQ(rec.last().title, QStringLiteral(" Falscher Locator !"));
+    EXPECT_EQ(rec.last().style, 48);
+  }
+}
+
+}  // namespace
+}  // namespace marvento
