@@ -3,6 +3,8 @@
 #include "app/Icons.h"
 #include "app/InstanceGuard.h"
 #include "app/SettingsStore.h"
+#include "distance/Compute.h"
+#include "distance/ReverseBearing.h"
 #include "platform/CommControl.h"
 #include "platform/Format.h"
 #include "platform/MsgBox.h"
@@ -58,7 +60,9 @@ QString shortDate(const QDate& date) {
 
 }  // namespace
 
-struct frmMain::Subsystems {};
+struct frmMain::Subsystems {
+  std::unique_ptr<ComputeCommand> compute;
+};
 
 std::function<void()>& frmMain::exitProcess() {
   static std::function<void()> exit = [] { std::_Exit(0); };
@@ -87,6 +91,10 @@ frmMain::frmMain(Module1& state, QWidget* parent)
   buildControls();
   buildStatusBar();
   setFixedSize(sizeHint());
+
+  const ComputeFields fields{tbMyLoc,   tbFremdLoc,    tbMyLg,      tbMyBr, tbFremdLg,
+                             tbFremdBr, lblEntfernung, lblRichtung, Combo1};
+  m_sub->compute = std::make_unique<ComputeCommand>(fields, m_state, [this] { WriteGpsLog(); });
   qApp->installEventFilter(this);
 }
 
@@ -418,7 +426,9 @@ void frmMain::mnuRechnen_Click() {
   tbFremdLoc->setFocus();
 }
 
-void frmMain::mnuGegenRichtung_Click() {}
+void frmMain::mnuGegenRichtung_Click() {
+  marvento::mnuGegenRichtung_Click(lblRichtung);
+}
 
 void frmMain::mnuGPS_Höhe_Click() {
   if (m_state.GpsStatus == kGpsAn) {
@@ -458,7 +468,11 @@ void frmMain::UnlockEntry() {}
 
 void frmMain::startPoll() {}
 
-void frmMain::Compute() {}
+void frmMain::Compute() {
+  m_sub->compute->Compute();
+}
+
+void frmMain::WriteGpsLog() {}
 
 void frmMain::tbToolBar_ButtonClick(const QString& key) {
   if (!tbMyLoc->isEnabled()) return;

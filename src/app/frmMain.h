@@ -93,6 +93,7 @@ class frmMain : public QMainWindow {
   void tbToolBar_ButtonClick(const QString& key);
   void Timer1_Timer();
   void Compute();
+  void WriteGpsLog();
 
   // List position of Combo1 as the store keeps it: -1 when the text was typed.
   int radiusListIndex() const;

@@ -277,6 +277,49 @@ class tst_frmMain : public QObject {
     QCOMPARE(w->Combo1->count(), 12);  // Enter adds nothing to the list
   }
 
+  void enterComputesAndReverseBearingFollows() {
+    IsolatedUser user;
+    SaveSetting(QStringLiteral("Grad_Dezimal"), QStringLiteral("True"));
+    SaveSetting(QStringLiteral("Radius"), QStringLiteral("3"));
+    Program program;
+    frmMain* w = program.window();
+    QVERIFY(QTest::qWaitForWindowActive(w));
+    QCOMPARE(w->Combo1->currentText(), QStringLiteral("6371,00079"));
+    MsgBoxRecorder boxes;
+    w->tbMyLoc->setText(QStringLiteral("jo62qm"));
+    w->tbFremdLoc->setFocus();
+    QTest::keyClicks(w->tbFremdLoc, QStringLiteral(" jo31nk "));
+    QTest::keyClick(w->tbFremdLoc, Qt::Key_Enter);
+    QCOMPARE(boxes.count(), 0);
+    QCOMPARE(w->tbFremdLoc->text(), QStringLiteral("JO31NK"));
+    QCOMPARE(w->tbMyLg->text(), QStringLiteral("13,375"));
+    QCOMPARE(w->lblEntfernung->text(), QStringLiteral(" 444,53 km"));
+    QCOMPARE(w->lblRichtung->text(), QStringLiteral("256,761 °"));
+    QVERIFY(w->tbFremdLoc->hasFocus());
+
+    QTest::keyClick(w, Qt::Key_F3);
+    QCOMPARE(boxes.count(), 1);
+    QCOMPARE(boxes.last().prompt, QStringLiteral("76,76 °"));
+    QCOMPARE(boxes.last().title, QStringLiteral(" Gegenrichtung"));
+    QCOMPARE(boxes.last().style, 64);
+  }
+
+  void toolBarIsIgnoredWhileThePollHoldsTheFields() {
+    IsolatedUser user;
+    Program program;
+    frmMain* w = program.window();
+    MsgBoxRecorder boxes;
+    w->tbMyLoc->setEnabled(false);
+    w->findChild<QAction*>(QStringLiteral("Rechnen"))->trigger();
+    w->findChild<QAction*>(QStringLiteral("Neu"))->trigger();
+    QCOMPARE(boxes.count(), 0);  // a compute would have asked for the missing locators
+    QCOMPARE(w->windowTitle(), QStringLiteral("Marvento"));
+    w->tbMyLoc->setEnabled(true);
+    w->findChild<QAction*>(QStringLiteral("Rechnen"))->trigger();
+    QCOMPARE(boxes.count(), 1);
+    QCOMPARE(boxes.last().title, QStringLiteral(" Unvollständige Eingabe !"));
+  }
+
   void gpsHeightWithReceptionOffOnlyTells() {
     IsolatedUser user;
     Program program;
