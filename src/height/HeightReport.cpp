@@ -32,9 +32,7 @@ QString failureReason(const QSaveFile& file) {
     case QFileDevice::RenameError:
       what = QStringLiteral("Die alte Datei ließ sich nicht ersetzen.");
       break;
-    default:
-      what = QStringLiteral("Das Schreiben ist fehlgeschlagen.");
-      break;
+    default: what = QStringLiteral("Das Schreiben ist fehlgeschlagen."); break;
   }
   const QString detail = file.errorString();
   return detail.isEmpty() ? what : what + QStringLiteral(" (") + detail + u')';
@@ -66,8 +64,8 @@ QString HeightReportText(const HeightTable& table, const QDateTime& now, const Q
   for (std::int32_t i = table.lowerBound(); i <= table.upperBound(); ++i) {
     const float w = table.weight(i);
     if (!(w > 0)) continue;
-    text += line(JoinInPrintZones({Format(static_cast<float>(i / 10.0), u"###0.0#"),
-                                   Format(w, u"######0.00###")}));
+    text += line(JoinInPrintZones(
+        {Format(static_cast<float>(i / 10.0), u"###0.0#"), Format(w, u"######0.00###")}));
   }
   return text;
 }

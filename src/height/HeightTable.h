@@ -10,9 +10,12 @@ namespace marvento {
 
 // The two figures of the table and the unit they are in.
 struct HeightFigures {
-  float mean = 0;  // weighted mean of all entries ("kurzfristiges Mittel")
-  float mode = 0;  // height with the greatest weight, the lower one on a tie ("langfristiges Mittel")
-  QString unit;    // unit of the last sample that had enough satellites, as the receiver sent it
+  // Weighted mean of all entries ("kurzfristiges Mittel").
+  float mean = 0;
+  // Height with the greatest weight, the lower one on a tie ("langfristiges Mittel").
+  float mode = 0;
+  // Unit of the last sample that had enough satellites, as the receiver sent it.
+  QString unit;
 };
 
 // Weights of GPS antenna heights, one entry per tenth of the height unit (index = height x 10),

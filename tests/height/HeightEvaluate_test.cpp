@@ -2,8 +2,8 @@
 
 #include "platform/MsgBoxRecorder.h"
 
-#include <QLocale>
 #include <gtest/gtest.h>
+#include <QLocale>
 
 #include <vector>
 
@@ -41,7 +41,10 @@ TEST_F(HeightEvaluateTest, MessageText) {
        "Die vorläufig ermittelte Höhe beträgt: \n\nkurzfristiges Mittel: 0,0 \n"
        "langfristiges Mittel: 0,0 "},
       {"the example of the manual",
-       {{"545.4", "M", "8"}, {"545.4", "M", "8"}, {"545.4", "M", "8"}, {"545.4", "M", "8"},
+       {{"545.4", "M", "8"},
+        {"545.4", "M", "8"},
+        {"545.4", "M", "8"},
+        {"545.4", "M", "8"},
         {"545.5", "M", "8"}},
        "Die vorläufig ermittelte Höhe beträgt: \n\nkurzfristiges Mittel: 545,42 m\n"
        "langfristiges Mittel: 545,4 m"},

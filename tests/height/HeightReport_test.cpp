@@ -2,11 +2,11 @@
 
 #include "platform/MsgBoxRecorder.h"
 
+#include <gtest/gtest.h>
 #include <QDir>
 #include <QFile>
 #include <QLocale>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace marvento {
 namespace {
@@ -92,8 +92,8 @@ TEST_F(HeightReportTest, KnownTableByteForByte) {
                               "545,5         7,64575\r\n\r\n";
   EXPECT_EQ(readAll(reportPath()), expected);
   ASSERT_EQ(rec.count(), 1);
-  EXPECT_EQ(rec.last().prompt, QStringLiteral("Datei ") + reportPath() +
-                                   QStringLiteral("\nerfolgreich erstellt."));
+  EXPECT_EQ(rec.last().prompt,
+            QStringLiteral("Datei ") + reportPath() + QStringLiteral("\nerfolgreich erstellt."));
   EXPECT_EQ(rec.last().title, QStringLiteral("GPS - Höhe"));
   EXPECT_EQ(rec.last().style, vbInformation);
   EXPECT_EQ(rec.beeps(), 0);
@@ -111,7 +111,8 @@ TEST_F(HeightReportTest, RowsForWideHeightsAndWeights) {
   table.sample(u"8848.0", "M", u"4");
   for (int k = 0; k < 9; ++k) table.sample(u"8848.04", "M", u"4");
   const QString text = HeightReportText(table, kNow, kLoc, kLg, kBr);
-  EXPECT_TRUE(text.endsWith(QStringLiteral("\r\n\r\n8848,0        10,00\r\n\r\n"))) << qPrintable(text);
+  EXPECT_TRUE(text.endsWith(QStringLiteral("\r\n\r\n8848,0        10,00\r\n\r\n")))
+      << qPrintable(text);
 }
 
 TEST_F(HeightReportTest, EmptyOwnFields) {
@@ -150,8 +151,8 @@ TEST_F(HeightReportTest, FolderThatCannotBeWritten) {
     const QString path = QDir(c.folder).filePath(QStringLiteral("HoeheAusw.txt"));
     ASSERT_EQ(rec.count(), 1);
     const QString prompt = rec.last().prompt;
-    const QString start =
-        QStringLiteral("Die Datei ") + path + QStringLiteral("\nkonnte nicht geschrieben werden:\n");
+    const QString start = QStringLiteral("Die Datei ") + path +
+                          QStringLiteral("\nkonnte nicht geschrieben werden:\n");
     EXPECT_TRUE(prompt.startsWith(start)) << qPrintable(prompt);
     EXPECT_GT(prompt.size(), start.size());  // the reason follows
     EXPECT_FALSE(prompt.contains(QStringLiteral("erfolgreich")));

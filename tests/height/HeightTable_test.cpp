@@ -23,10 +23,12 @@ struct SequenceCase {
   const char* name;
   std::vector<Step> steps;
   std::vector<Entry> entries;  // every index with weight, nothing else may have any
-  std::int32_t last;
-  std::int32_t pending;
-  std::int16_t count;
-  const char* unit;
+  struct {
+    std::int32_t last;
+    std::int32_t pending;
+    std::int16_t count;
+    const char* unit;
+  } state;
 };
 
 constexpr float w4 = 1.0f;
@@ -47,74 +49,81 @@ TEST(HeightTableTest, SampleSequences) {
   std::vector<Step> keepPending(clearPending.begin(), clearPending.end() - 1);
 
   const SequenceCase cases[] = {
-      {"first sample becomes the reference", {{"545.4", "M", "8"}}, {{5454, w8}}, 5454, 0, 1, "M"},
+      {"first sample becomes the reference",
+       {{"545.4", "M", "8"}},
+       {{5454, w8}},
+       {5454, 0, 1, "M"}},
       {"35.9 away still passes",
        {{"545.4", "M", "8"}, {"581.3", "M", "8"}},
        {{5454, w8}, {5813, w8}},
-       5813, 0, 2, "M"},
+       {5813, 0, 2, "M"}},
       {"36.0 away is a jump",
        {{"545.4", "M", "8"}, {"581.4", "M", "8"}},
        {{5454, w8}},
-       5454, 5814, 1, "M"},
+       {5454, 5814, 1, "M"}},
       {"downward jump too",
        {{"545.4", "M", "8"}, {"509.4", "M", "8"}},
        {{5454, w8}},
-       5454, 5094, 1, "M"},
+       {5454, 5094, 1, "M"}},
       {"same jump twice with 6 satellites moves the reference",
        {{"545.4", "M", "6"}, {"590.0", "M", "6"}, {"590.0", "M", "6"}, {"590.1", "M", "6"}},
        {{5454, w6}, {5901, w6}},
-       5901, 5900, 2, "M"},
+       {5901, 5900, 2, "M"}},
       {"second jump with only 4 satellites leaves the reference",
        {{"545.4", "M", "6"}, {"590.0", "M", "6"}, {"590.0", "M", "4"}, {"590.1", "M", "6"}},
        {{5454, w6}},
-       5454, 5901, 1, "M"},
+       {5454, 5901, 1, "M"}},
       {"a jump pending through accepted samples still moves the reference",
        {{"545.4", "M", "4"}, {"600.0", "M", "8"}, {"545.5", "M", "4"}, {"600.0", "M", "5"}},
        {{5454, w4}, {5455, w4}},
-       6000, 6000, 2, "M"},
+       {6000, 6000, 2, "M"}},
       {"extra digits go to the nearest tenth",
        {{"545.44", "M", "4"}, {"545.46", "M", "4"}},
        {{5454, w4}, {5455, w4}},
-       5455, 0, 2, "M"},
-      {"a tie goes to the even tenth", {{"12.25", "M", "4"}, {"12.75", "M", "4"}},
-       {{122, w4}, {128, w4}}, 128, 0, 2, "M"},
-      {"negative height", {{"-12.3", "M", "8"}}, {{-123, w8}}, -123, 0, 1, "M"},
+       {5455, 0, 2, "M"}},
+      {"a tie goes to the even tenth",
+       {{"12.25", "M", "4"}, {"12.75", "M", "4"}},
+       {{122, w4}, {128, w4}},
+       {128, 0, 2, "M"}},
+      {"negative height", {{"-12.3", "M", "8"}}, {{-123, w8}}, {-123, 0, 1, "M"}},
       {"first sample 0.0 leaves no reference",
        {{"0.0", "M", "4"}, {"100.0", "M", "4"}},
        {{0, w4}, {1000, w4}},
-       1000, 0, 2, "M"},
+       {1000, 0, 2, "M"}},
       // PendingHeight10 starts at 0, so a repeated jump to 0.0 counts as the second of a pair.
       {"a jump to 0.0 clears the reference",
        {{"100.0", "M", "8"}, {"0.0", "M", "8"}, {"700.0", "M", "8"}},
        {{1000, w8}, {7000, w8}},
-       7000, 0, 2, "M"},
+       {7000, 0, 2, "M"}},
       {"three satellites store nothing, not even the unit",
        {{"545.4", "M", "8"}, {"545.5", "F", "3"}},
        {{5454, w8}},
-       5454, 0, 1, "M"},
+       {5454, 0, 1, "M"}},
       {"a refused sample still sets the unit",
        {{"545.4", "M", "8"}, {"600.0", "F", "8"}},
        {{5454, w8}},
-       5454, 6000, 1, "F"},
-      {"ten accepted samples forget the pending jump", clearPending, {{5454, 10 * w4}}, 5454,
-       kNone, 0, "M"},
-      {"nine accepted samples keep it", keepPending, {{5454, 9 * w4}}, 5454, 6000, 9, "M"},
+       {5454, 6000, 1, "F"}},
+      {"ten accepted samples forget the pending jump",
+       clearPending,
+       {{5454, 10 * w4}},
+       {5454, kNone, 0, "M"}},
+      {"nine accepted samples keep it", keepPending, {{5454, 9 * w4}}, {5454, 6000, 9, "M"}},
       {"satellite count rounds half to even",
        {{"545.4", "M", "3.5"}, {"545.5", "M", "4.5"}, {"545.6", "M", "2.5"}},
        {{5454, w4}, {5455, w4}},
-       5455, 0, 2, "M"},
+       {5455, 0, 2, "M"}},
       {"garbage satellite counts store nothing",
        {{"545.4", "M", "40000"}, {"545.4", "M", ""}, {"545.4", "M", "1E999"}, {"545.4", "M", "x"}},
        {},
-       0, 0, 0, ""},
+       {0, 0, 0, ""}},
       {"heights beyond the limits are dropped before the filter",
        {{"-500.1", "M", "8"}, {"10000.1", "M", "8"}, {"1E30", "M", "8"}, {"-1E400", "M", "8"}},
        {},
-       0, 0, 0, ""},
+       {0, 0, 0, ""}},
       {"a garbled height twice neither becomes pending nor moves the reference",
        {{"545.4", "M", "8"}, {"54540", "F", "8"}, {"54540", "F", "8"}, {"545.5", "M", "8"}},
        {{5454, w8}, {5455, w8}},
-       5455, 0, 2, "M"},
+       {5455, 0, 2, "M"}},
   };
 
   for (const SequenceCase& c : cases) {
@@ -126,10 +135,10 @@ TEST(HeightTableTest, SampleSequences) {
       if (table.weight(i) != 0) ++withWeight;
     }
     EXPECT_EQ(withWeight, static_cast<int>(c.entries.size()));
-    EXPECT_EQ(table.LastHeight10(), c.last);
-    EXPECT_EQ(table.PendingHeight10(), c.pending);
-    EXPECT_EQ(table.HeightCount(), c.count);
-    EXPECT_EQ(table.HeightUnit(), QString(c.unit));
+    EXPECT_EQ(table.LastHeight10(), c.state.last);
+    EXPECT_EQ(table.PendingHeight10(), c.state.pending);
+    EXPECT_EQ(table.HeightCount(), c.state.count);
+    EXPECT_EQ(table.HeightUnit(), QString(c.state.unit));
   }
 }
 
@@ -201,17 +210,29 @@ TEST(HeightTableTest, Figures) {
   const FiguresCase cases[] = {
       {"no sample", {}, 0, 0},
       {"weighted mean and mode",
-       {{"545.4", "M", "8"}, {"545.4", "M", "8"}, {"545.4", "M", "8"}, {"545.4", "M", "8"},
+       {{"545.4", "M", "8"},
+        {"545.4", "M", "8"},
+        {"545.4", "M", "8"},
+        {"545.4", "M", "8"},
         {"545.5", "M", "8"}},
-       545.42f, 545.4f},
-      {"more satellites weigh more", {{"100.0", "M", "4"}, {"101.0", "M", "16"}}, 100.666667f,
+       545.42f,
+       545.4f},
+      {"more satellites weigh more",
+       {{"100.0", "M", "4"}, {"101.0", "M", "16"}},
+       100.666667f,
        101.0f},
-      {"equal weights give the lower height", {{"100.2", "M", "6"}, {"100.0", "M", "6"}}, 100.1f,
+      {"equal weights give the lower height",
+       {{"100.2", "M", "6"}, {"100.0", "M", "6"}},
+       100.1f,
        100.0f},
       {"all weight at 0.0", {{"0.0", "M", "8"}, {"0.0", "M", "8"}}, 0, 0},
-      {"below zero", {{"-12.3", "M", "8"}, {"-12.5", "M", "4"}, {"-12.5", "M", "4"}}, -12.4172f,
+      {"below zero",
+       {{"-12.3", "M", "8"}, {"-12.5", "M", "4"}, {"-12.5", "M", "4"}},
+       -12.4172f,
        -12.5f},
-      {"mean across zero", {{"-1.0", "M", "4"}, {"1.0", "M", "4"}, {"2.0", "M", "4"}}, 0.666667f,
+      {"mean across zero",
+       {{"-1.0", "M", "4"}, {"1.0", "M", "4"}, {"2.0", "M", "4"}},
+       0.666667f,
        -1.0f},
   };
   for (const FiguresCase& c : cases) {
