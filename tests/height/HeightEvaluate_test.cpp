@@ -48,7 +48,15 @@ TEST_F(HeightEvaluateTest, MessageText) {
         {"545.5", "M", "8"}},
        "Die vorläufig ermittelte Höhe beträgt: \n\nkurzfristiges Mittel: 545,42 m\n"
        "langfristiges Mittel: 545,4 m"},
-      {"mean rounded to two decimals, unit in lower case",
+      {"equal weights: the lower height is the mode",
+       {{"100.2", "M", "6"}, {"100.0", "M", "6"}},
+       "Die vorläufig ermittelte Höhe beträgt: \n\nkurzfristiges Mittel: 100,1 m\n"
+       "langfristiges Mittel: 100,0 m"},
+      {"mean across zero",
+       {{"-1.0", "M", "4"}, {"1.0", "M", "4"}, {"2.0", "M", "4"}},
+       "Die vorläufig ermittelte Höhe beträgt: \n\nkurzfristiges Mittel: 0,67 m\n"
+       "langfristiges Mittel: -1,0 m"},
+      {"more satellites weigh more; unit in lower case",
        {{"100.0", "F", "4"}, {"101.0", "F", "16"}},
        "Die vorläufig ermittelte Höhe beträgt: \n\nkurzfristiges Mittel: 100,67 f\n"
        "langfristiges Mittel: 101,0 f"},
@@ -73,37 +81,29 @@ TEST_F(HeightEvaluateTest, MessageText) {
   }
 }
 
-TEST_F(HeightEvaluateTest, SampleShowsNothingEvaluationShowsTheFigures) {
+TEST_F(HeightEvaluateTest, EvaluationShowsTheFiguresAndChangesNothing) {
   MsgBoxRecorder rec;
   HeightTable table;
-  feed(table, {{"545.4", "M", "8"}, {"545.6", "M", "8"}});
-  EXPECT_EQ(rec.count(), 0);
+  feed(table, {{"545.4", "M", "8"}, {"545.6", "M", "8"}, {"600.0", "M", "8"}});
+  EXPECT_EQ(rec.count(), 0);  // sampling is silent
 
-  QString unit;
-  HeightEvaluate(table, QString(), unit, QString(), true);
-  ASSERT_EQ(rec.count(), 1);
-  EXPECT_EQ(rec.last().title, QStringLiteral("GPS - Höhe"));
-  EXPECT_EQ(rec.last().style, vbInformation);
-  EXPECT_EQ(rec.last().prompt, HeightMessage(table.figures()));
-  EXPECT_TRUE(rec.last().prompt.endsWith(u"langfristiges Mittel: 545,4 m"));
-  EXPECT_EQ(rec.beeps(), 0);
-  EXPECT_EQ(unit, QStringLiteral("M"));
-}
-
-TEST_F(HeightEvaluateTest, EvaluationIgnoresItsTextsAndChangesNothing) {
-  MsgBoxRecorder rec;
-  HeightTable table;
-  feed(table, {{"545.4", "M", "8"}, {"600.0", "M", "8"}});
+  // Alt and Sats are not read; Unit receives the table's unit.
   QString unit = QStringLiteral("F");
   HeightEvaluate(table, QStringLiteral("545.4"), unit, QStringLiteral("12"), true);
   HeightEvaluate(table, QStringLiteral("545.4"), unit, QStringLiteral("12"), true);
   EXPECT_EQ(unit, QStringLiteral("M"));
-  EXPECT_FLOAT_EQ(table.weight(5454), 1.4142135f);
-  EXPECT_EQ(table.LastHeight10(), 5454);
-  EXPECT_EQ(table.PendingHeight10(), 6000);
-  EXPECT_EQ(table.HeightCount(), 1);
   ASSERT_EQ(rec.count(), 2);
-  EXPECT_EQ(rec.entries()[0].call.prompt, rec.entries()[1].call.prompt);
+  EXPECT_EQ(rec.last().title, QStringLiteral("GPS - Höhe"));
+  EXPECT_EQ(rec.last().style, vbInformation);
+  EXPECT_EQ(rec.beeps(), 0);
+  EXPECT_EQ(rec.entries()[0].call.prompt, rec.last().prompt);
+  EXPECT_EQ(rec.last().prompt,
+            QStringLiteral("Die vorläufig ermittelte Höhe beträgt: \n\nkurzfristiges Mittel: "
+                           "545,5 m\nlangfristiges Mittel: 545,4 m"));
+  EXPECT_FLOAT_EQ(table.weight(5454), 1.4142135f);
+  EXPECT_EQ(table.LastHeight10(), 5456);
+  EXPECT_EQ(table.PendingHeight10(), 6000);
+  EXPECT_EQ(table.HeightCount(), 2);
 }
 
 }  // namespace

@@ -106,18 +106,22 @@ TEST_F(HeightReportTest, EmptyTableHoldsTheHeadingOnly) {
   EXPECT_EQ(rec.count(), 1);
 }
 
-TEST_F(HeightReportTest, RowsForWideHeightsAndWeights) {
-  HeightTable table;
-  table.sample(u"8848.0", "M", u"4");
-  for (int k = 0; k < 9; ++k) table.sample(u"8848.04", "M", u"4");
-  const QString text = HeightReportText(table, kNow, kLoc, kLg, kBr);
-  EXPECT_TRUE(text.endsWith(QStringLiteral("\r\n\r\n8848,0        10,00\r\n\r\n")))
-      << qPrintable(text);
-}
-
-TEST_F(HeightReportTest, EmptyOwnFields) {
-  const QString text = HeightReportText(HeightTable(), kNow, {}, {}, {});
-  EXPECT_TRUE(text.contains(QStringLiteral("\r\n\r\nQTH:  Lg:  Br: \r\n\r\n"))) << qPrintable(text);
+TEST_F(HeightReportTest, LinesOfOtherTables) {
+  HeightTable ten;
+  for (int k = 0; k < 10; ++k) ten.sample(u"8848.04", "M", u"4");
+  const struct {
+    const char* name;
+    HeightTable table;
+    QString loc, lg, br;
+    const char* part;
+  } cases[] = {
+      {"empty own fields", HeightTable(), {}, {}, {}, "\r\n\r\nQTH:  Lg:  Br: \r\n\r\n"},
+      {"wide height and weight", ten, kLoc, kLg, kBr, "\r\n\r\n8848,0        10,00\r\n\r\n"},
+  };
+  for (const auto& c : cases) {
+    const QString text = HeightReportText(c.table, kNow, c.loc, c.lg, c.br);
+    EXPECT_TRUE(text.contains(QString::fromUtf8(c.part))) << c.name << "\n" << qPrintable(text);
+  }
 }
 
 TEST_F(HeightReportTest, SecondReportReplacesTheFirst) {
