@@ -1,0 +1,191 @@
+#include "height/HeightReport.h"
+
+#include "platform/MsgBoxRecorder.h"
+
+#include <gtest/gtest.h>
+#include <QDir>
+#include <QFile>
+#include <QLocale>
+#include <QTemporaryDir>
+
+namespace marvento {
+namespace {
+
+const QDateTime kNow(QDate(2026, 11, 23), QTime(14, 5, 9));
+
+// Line 1 to 4 for the fields JO31AB, 7°07'24", 51°30'00".
+const char kHead[] =
+    "GPS - H\xc3\xb6henauswertung vom 23.11.2026 14:05:09\r\n\r\n"
+    "QTH: JO31AB Lg: 7\xc2\xb0"
+    "07'24\" Br: 51\xc2\xb0"
+    "30'00\"\r\n\r\n"
+    " m     "
+    "       "
+    "Wertigkeit\r\n\r\n"
+    "\xc5\xbb\xc5\xbb\xc5\xbb\xc5\xbb\xc5\xbb\xc5\xbb\xc5\xbb\xc5\xbb\xc5\xbb\xc5\xbb\xc5\xbb"
+    "\xc5\xbb\xc5\xbb\xc5\xbb\xc5\xbb\xc5\xbb\xc5\xbb\xc5\xbb\xc5\xbb\xc5\xbb\xc5\xbb\r\n\r\n";
+
+const QString kLoc = QStringLiteral("JO31AB");
+const QString kLg = QStringLiteral("7°07'24\"");
+const QString kBr = QStringLiteral("51°30'00\"");
+
+// -12.3 with weight sqrt(2), 545.4 with 1, 545.5 with 5 + sqrt(7).
+HeightTable knownTable() {
+  HeightTable table;
+  table.sample(u"-12.3", "M", u"8");
+  table.sample(u"545.4", "M", u"6");  // a jump, twice: the reference moves up
+  table.sample(u"545.4", "M", u"6");
+  table.sample(u"545.4", "M", u"4");
+  for (int k = 0; k < 5; ++k) table.sample(u"545.5", "M", u"4");
+  table.sample(u"545.5", "M", u"28");
+  return table;
+}
+
+QByteArray readAll(const QString& path) {
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly)) return "(missing)";
+  return file.readAll();
+}
+
+class HeightReportTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    m_saved = QLocale();
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    ASSERT_TRUE(m_dir.isValid());
+  }
+  void TearDown() override { QLocale::setDefault(m_saved); }
+
+  QString reportPath() const { return m_dir.filePath(QStringLiteral("HoeheAusw.txt")); }
+
+  QTemporaryDir m_dir;
+
+ private:
+  QLocale m_saved;
+};
+
+TEST(PrintZonesTest, ItemsStartAtTheNextZone) {
+  const struct {
+    QStringList items;
+    const char* expected;
+  } cases[] = {
+      {{"a"}, "a"},
+      {{"a", "b"}, "a             b"},
+      {{"", "b"}, "              b"},
+      {{"1234567890123", "b"}, "1234567890123 b"},
+      {{"12345678901234", "b"}, "12345678901234              b"},
+      {{"123456789012345", "b"}, "123456789012345             b"},
+      {{"a", "b", "c"}, "a             b             c"},
+      {{"a", "", "c"}, "a                           c"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(JoinInPrintZones(c.items), QString(c.expected)) << c.items.join('|').toStdString();
+  }
+}
+
+TEST_F(HeightReportTest, KnownTableByteForByte) {
+  MsgBoxRecorder rec;
+  HeightReport(knownTable(), kLoc, kLg, kBr, m_dir.path(), kNow);
+  const QByteArray expected = QByteArray(kHead) +
+                              "-12,3         1,41421\r\n\r\n"
+                              "545,4         1,00\r\n\r\n"
+                              "545,5         7,64575\r\n\r\n";
+  EXPECT_EQ(readAll(reportPath()), expected);
+  ASSERT_EQ(rec.count(), 1);
+  EXPECT_EQ(rec.last().prompt,
+            QStringLiteral("Datei ") + reportPath() + QStringLiteral("\nerfolgreich erstellt."));
+  EXPECT_EQ(rec.last().title, QStringLiteral("GPS - Höhe"));
+  EXPECT_EQ(rec.last().style, vbInformation);
+  EXPECT_EQ(rec.beeps(), 0);
+}
+
+TEST_F(HeightReportTest, EmptyTableHoldsTheHeadingOnly) {
+  MsgBoxRecorder rec;
+  HeightReport(HeightTable(), kLoc, kLg, kBr, m_dir.path(), kNow);
+  EXPECT_EQ(readAll(reportPath()), QByteArray(kHead));
+  EXPECT_EQ(rec.count(), 1);
+}
+
+TEST_F(HeightReportTest, LinesOfOtherTables) {
+  HeightTable ten;
+  for (int k = 0; k < 10; ++k) ten.sample(u"8848.04", "M", u"4");
+  const struct {
+    const char* name;
+    HeightTable table;
+    QString loc, lg, br;
+    const char* part;
+  } cases[] = {
+      {"empty own fields", HeightTable(), {}, {}, {}, "\r\n\r\nQTH:  Lg:  Br: \r\n\r\n"},
+      {"wide height and weight", ten, kLoc, kLg, kBr, "\r\n\r\n8848,0        10,00\r\n\r\n"},
+  };
+  for (const auto& c : cases) {
+    const QString text = HeightReportText(c.table, kNow, c.loc, c.lg, c.br);
+    EXPECT_TRUE(text.contains(QString::fromUtf8(c.part))) << c.name << "\n" << qPrintable(text);
+  }
+}
+
+TEST_F(HeightReportTest, SecondReportReplacesTheFirst) {
+  MsgBoxRecorder rec;
+  HeightReport(knownTable(), kLoc, kLg, kBr, m_dir.path(), kNow);
+  HeightReport(HeightTable(), kLoc, kLg, kBr, m_dir.path(), kNow);
+  EXPECT_EQ(readAll(reportPath()), QByteArray(kHead));
+  EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::Files), QStringList{"HoeheAusw.txt"});
+  EXPECT_EQ(rec.count(), 2);
+}
+
+TEST_F(HeightReportTest, FolderThatCannotBeWritten) {
+  // A regular file where the folder should be stops even root.
+  const QString blocker = m_dir.filePath(QStringLiteral("blocker"));
+  QFile file(blocker);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.close();
+
+  const struct {
+    const char* name;
+    QString folder;
+  } cases[] = {
+      {"folder is a file", blocker},
+      {"parent is a file", blocker + QStringLiteral("/sub")},
+      {"folder is missing", m_dir.filePath(QStringLiteral("missing/sub"))},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    MsgBoxRecorder rec;
+    HeightReport(knownTable(), kLoc, kLg, kBr, c.folder, kNow);
+    const QString path = QDir(c.folder).filePath(QStringLiteral("HoeheAusw.txt"));
+    ASSERT_EQ(rec.count(), 1);
+    const QString prompt = rec.last().prompt;
+    const QString start = QStringLiteral("Die Datei ") + path +
+                          QStringLiteral("\nkonnte nicht geschrieben werden:\n");
+    EXPECT_TRUE(prompt.startsWith(start)) << qPrintable(prompt);
+    EXPECT_GT(prompt.size(), start.size());  // the reason follows
+    EXPECT_FALSE(prompt.contains(QStringLiteral("erfolgreich")));
+    EXPECT_EQ(rec.last().title, QStringLiteral(" GPS - Höhe"));
+    EXPECT_EQ(rec.last().style, vbExclamation);
+    EXPECT_EQ(rec.entries()[0].beepsBefore, 1);
+    EXPECT_FALSE(QFileInfo::exists(path));
+  }
+}
+
+TEST_F(HeightReportTest, FolderBesideTheProgramOrHome) {
+  const QString file = m_dir.filePath(QStringLiteral("plain"));
+  QFile f(file);
+  ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+  f.close();
+  const QString home = QStringLiteral("/home/someone");
+  const struct {
+    QString program;
+    QString expected;
+  } cases[] = {
+      {m_dir.path(), m_dir.path()},
+      {file, home},
+      {m_dir.filePath(QStringLiteral("missing")), home},
+      {QString(), home},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(HeightReportFolder(c.program, home), c.expected) << qPrintable(c.program);
+  }
+}
+
+}  // namespace
+}  // namespace marvento

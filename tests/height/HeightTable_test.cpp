@@ -1,0 +1,190 @@
+#include "height/HeightTable.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace marvento {
+namespace {
+
+struct Step {
+  const char* alt;
+  const char* unit;
+  const char* sats;
+};
+
+struct Entry {
+  std::int32_t index;
+  float weight;
+};
+
+struct SequenceCase {
+  const char* name;
+  std::vector<Step> steps;
+  std::vector<Entry> entries;  // every index with weight, nothing else may have any
+  struct {
+    std::int32_t last;
+    std::int32_t pending;
+    std::int16_t count;
+    const char* unit;
+  } state;
+};
+
+constexpr float w4 = 1.0f;
+constexpr float w6 = 1.2247449f;  // sqrt(6/4)
+constexpr float w8 = 1.4142135f;  // sqrt(8/4)
+constexpr std::int32_t kNone = HeightTable::kNoPending;
+
+HeightTable run(const std::vector<Step>& steps) {
+  HeightTable table;
+  for (const Step& s : steps) table.sample(QString::fromUtf8(s.alt), s.unit, QString(s.sats));
+  return table;
+}
+
+TEST(HeightTableTest, SampleSequences) {
+  const std::vector<Step> tenAt5454(9, Step{"545.4", "M", "4"});
+  std::vector<Step> clearPending = {{"545.4", "M", "4"}, {"600.0", "M", "8"}};
+  clearPending.insert(clearPending.end(), tenAt5454.begin(), tenAt5454.end());
+  std::vector<Step> keepPending(clearPending.begin(), clearPending.end() - 1);
+
+  const SequenceCase cases[] = {
+      {"first sample becomes the reference",
+       {{"545.4", "M", "8"}},
+       {{5454, w8}},
+       {5454, 0, 1, "M"}},
+      {"35.9 away still passes",
+       {{"545.4", "M", "8"}, {"581.3", "M", "8"}},
+       {{5454, w8}, {5813, w8}},
+       {5813, 0, 2, "M"}},
+      {"36.0 away is a jump",
+       {{"545.4", "M", "8"}, {"581.4", "M", "8"}},
+       {{5454, w8}},
+       {5454, 5814, 1, "M"}},
+      {"downward jump too",
+       {{"545.4", "M", "8"}, {"509.4", "M", "8"}},
+       {{5454, w8}},
+       {5454, 5094, 1, "M"}},
+      {"same jump twice with 6 satellites moves the reference",
+       {{"545.4", "M", "6"}, {"590.0", "M", "6"}, {"590.0", "M", "6"}, {"590.1", "M", "6"}},
+       {{5454, w6}, {5901, w6}},
+       {5901, 5900, 2, "M"}},
+      {"second jump with only 4 satellites leaves the reference",
+       {{"545.4", "M", "6"}, {"590.0", "M", "6"}, {"590.0", "M", "4"}, {"590.1", "M", "6"}},
+       {{5454, w6}},
+       {5454, 5901, 1, "M"}},
+      {"a jump pending through accepted samples still moves the reference",
+       {{"545.4", "M", "4"}, {"600.0", "M", "8"}, {"545.5", "M", "4"}, {"600.0", "M", "5"}},
+       {{5454, w4}, {5455, w4}},
+       {6000, 6000, 2, "M"}},
+      {"extra digits go to the nearest tenth",
+       {{"545.44", "M", "4"}, {"545.46", "M", "4"}},
+       {{5454, w4}, {5455, w4}},
+       {5455, 0, 2, "M"}},
+      {"a tie goes to the even tenth",
+       {{"12.25", "M", "4"}, {"12.75", "M", "4"}},
+       {{122, w4}, {128, w4}},
+       {128, 0, 2, "M"}},
+      {"negative height", {{"-12.3", "M", "8"}}, {{-123, w8}}, {-123, 0, 1, "M"}},
+      {"first sample 0.0 leaves no reference",
+       {{"0.0", "M", "4"}, {"100.0", "M", "4"}},
+       {{0, w4}, {1000, w4}},
+       {1000, 0, 2, "M"}},
+      // PendingHeight10 starts at 0, so a repeated jump to 0.0 counts as the second of a pair.
+      {"a jump to 0.0 clears the reference",
+       {{"100.0", "M", "8"}, {"0.0", "M", "8"}, {"700.0", "M", "8"}},
+       {{1000, w8}, {7000, w8}},
+       {7000, 0, 2, "M"}},
+      {"three satellites store nothing, not even the unit",
+       {{"545.4", "M", "8"}, {"545.5", "F", "3"}},
+       {{5454, w8}},
+       {5454, 0, 1, "M"}},
+      {"a refused sample still sets the unit",
+       {{"545.4", "M", "8"}, {"600.0", "F", "8"}},
+       {{5454, w8}},
+       {5454, 6000, 1, "F"}},
+      {"ten accepted samples forget the pending jump",
+       clearPending,
+       {{5454, 10 * w4}},
+       {5454, kNone, 0, "M"}},
+      {"nine accepted samples keep it", keepPending, {{5454, 9 * w4}}, {5454, 6000, 9, "M"}},
+      {"satellite count rounds half to even",
+       {{"545.4", "M", "3.5"}, {"545.5", "M", "4.5"}, {"545.6", "M", "2.5"}},
+       {{5454, w4}, {5455, w4}},
+       {5455, 0, 2, "M"}},
+      {"garbage satellite counts store nothing",
+       {{"545.4", "M", "40000"}, {"545.4", "M", ""}, {"545.4", "M", "1E999"}, {"545.4", "M", "x"}},
+       {},
+       {0, 0, 0, ""}},
+      {"heights beyond the limits are dropped before the filter",
+       {{"-500.1", "M", "8"}, {"10000.1", "M", "8"}, {"1E30", "M", "8"}, {"-1E400", "M", "8"}},
+       {},
+       {0, 0, 0, ""}},
+      {"a garbled height twice neither becomes pending nor moves the reference",
+       {{"545.4", "M", "8"}, {"54540", "F", "8"}, {"54540", "F", "8"}, {"545.5", "M", "8"}},
+       {{5454, w8}, {5455, w8}},
+       {5455, 0, 2, "M"}},
+  };
+
+  for (const SequenceCase& c : cases) {
+    SCOPED_TRACE(c.name);
+    const HeightTable table = run(c.steps);
+    for (const Entry& e : c.entries) EXPECT_FLOAT_EQ(table.weight(e.index), e.weight) << e.index;
+    int withWeight = 0;
+    for (std::int32_t i = table.lowerBound(); i <= table.upperBound(); ++i) {
+      if (table.weight(i) != 0) ++withWeight;
+    }
+    EXPECT_EQ(withWeight, static_cast<int>(c.entries.size()));
+    EXPECT_EQ(table.LastHeight10(), c.state.last);
+    EXPECT_EQ(table.PendingHeight10(), c.state.pending);
+    EXPECT_EQ(table.HeightCount(), c.state.count);
+    EXPECT_EQ(table.HeightUnit(), QString(c.state.unit));
+  }
+}
+
+TEST(HeightTableTest, WeightGrowsWithTheRootOfTheSatellites) {
+  const struct {
+    const char* sats;
+    float weight;
+  } cases[] = {{"4", 1.000f}, {"5", 1.118f},  {"6", 1.225f},  {"7", 1.323f},  {"8", 1.414f},
+               {"9", 1.500f}, {"10", 1.581f}, {"11", 1.658f}, {"12", 1.732f}, {"16", 2.000f}};
+  for (const auto& c : cases) {
+    HeightTable table;
+    ASSERT_EQ(table.sample(u"545.4", "M", QString(c.sats)), HeightTable::Outcome::Accepted);
+    EXPECT_NEAR(table.weight(5454), c.weight, 5e-4) << c.sats;
+  }
+}
+
+TEST(HeightTableTest, OutcomesAndBounds) {
+  const struct {
+    const char* alt;
+    const char* sats;
+    HeightTable::Outcome outcome;
+    std::int32_t lower;
+    std::int32_t upper;
+  } cases[] = {
+      {"545.4", "3", HeightTable::Outcome::TooFewSatellites, -500, 500},
+      {"-12.3", "4", HeightTable::Outcome::Accepted, -500, 500},
+      {"8848.0", "4", HeightTable::Outcome::Accepted, -500, 88480},
+      {"-430.5", "4", HeightTable::Outcome::Accepted, -4305, 500},
+      {"-499.96", "4", HeightTable::Outcome::Accepted, -5000, 500},
+      {"-500.04", "4", HeightTable::Outcome::Accepted, -5000, 500},
+      {"-500.0", "4", HeightTable::Outcome::Accepted, -5000, 500},
+      {"10000.0", "4", HeightTable::Outcome::Accepted, -500, 100000},
+      {"-500.1", "8", HeightTable::Outcome::OutOfRange, -500, 500},
+      {"10000.1", "8", HeightTable::Outcome::OutOfRange, -500, 500},
+      {"nan", "4", HeightTable::Outcome::Accepted, -500, 500},  // no number: Val gives 0.0
+      {"99999", "4", HeightTable::Outcome::OutOfRange, -500, 500},
+      {"3E9", "4", HeightTable::Outcome::OutOfRange, -500, 500},  // too big for 32 bits
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.alt);
+    HeightTable table;
+    EXPECT_EQ(table.sample(QString(c.alt), "M", QString(c.sats)), c.outcome);
+    EXPECT_EQ(table.lowerBound(), c.lower);
+    EXPECT_EQ(table.upperBound(), c.upper);
+  }
+}
+
+}  // namespace
+}  // namespace marvento
