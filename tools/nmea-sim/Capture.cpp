@@ -8,6 +8,8 @@ std::string_view SentenceName(std::string_view line) {
   const auto dollar = line.find('$');
   if (dollar == std::string_view::npos) return {};
   line.remove_prefix(dollar);
+  // Some receivers double the "$"; the sentence begins at the last one.
+  while (line.size() > 1 && line[1] == '$') line.remove_prefix(1);
   return line.substr(0, line.find(','));
 }
 

@@ -19,7 +19,8 @@ std::optional<std::string> BurstTime(std::string_view line);
 // Reads a capture: raw receiver lines, "#" comment lines and empty lines skipped, CR and LF
 // stripped. Lines are grouped into one-second bursts: a new burst starts at a GGA or RMC whose
 // whole-second time differs from the one of the burst so far. Without times a burst ends when
-// its first sentence comes round again (GSV, which comes in parts, excepted), and no burst grows beyond kMaxBurstLines.
+// its first sentence comes round again (GSV, which comes in parts, excepted), and no burst grows
+// beyond kMaxBurstLines.
 std::vector<Burst> ReadCapture(std::istream& in);
 
 inline constexpr std::size_t kMaxBurstLines = 64;

@@ -29,10 +29,14 @@ bool HasValidChecksum(std::string_view sentence) {
   unsigned given = 0;
   for (char c : sentence.substr(star + 1, 2)) {
     given <<= 4;
-    if (c >= '0' && c <= '9') given |= static_cast<unsigned>(c - '0');
-    else if (c >= 'A' && c <= 'F') given |= static_cast<unsigned>(c - 'A' + 10);
-    else if (c >= 'a' && c <= 'f') given |= static_cast<unsigned>(c - 'a' + 10);
-    else return false;
+    if (c >= '0' && c <= '9')
+      given |= static_cast<unsigned>(c - '0');
+    else if (c >= 'A' && c <= 'F')
+      given |= static_cast<unsigned>(c - 'A' + 10);
+    else if (c >= 'a' && c <= 'f')
+      given |= static_cast<unsigned>(c - 'a' + 10);
+    else
+      return false;
   }
   const auto rest = sentence.substr(star + 3);
   if (!(rest.empty() || rest == "\r\n" || rest == "\n" || rest == "\r")) return false;
@@ -65,9 +69,13 @@ std::tm Utc(std::time_t t) {
 
 }  // namespace
 
-CoordText LatitudeText(double deg) { return DegreesMinutes(deg, 2, 'N', 'S'); }
+CoordText LatitudeText(double deg) {
+  return DegreesMinutes(deg, 2, 'N', 'S');
+}
 
-CoordText LongitudeText(double deg) { return DegreesMinutes(deg, 3, 'E', 'W'); }
+CoordText LongitudeText(double deg) {
+  return DegreesMinutes(deg, 3, 'E', 'W');
+}
 
 std::string UtcTimeText(std::time_t t) {
   const std::tm tm = Utc(t);

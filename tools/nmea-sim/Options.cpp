@@ -175,8 +175,7 @@ ParseResult ParseOptions(const std::vector<std::string>& args) {
     r.error = "--dropout-every needs --dropout";
   } else if (t.dropout >= t.dropoutEvery) {
     r.error = "--dropout (" + std::to_string(t.dropout) +
-              " s) must be shorter than --dropout-every (" + std::to_string(t.dropoutEvery) +
-              " s)";
+              " s) must be shorter than --dropout-every (" + std::to_string(t.dropoutEvery) + " s)";
   }
   return r;
 }
@@ -194,8 +193,9 @@ Output:
   --link PATH          make PATH a symbolic link to the pseudo-terminal and
                        print PATH; the link is removed on exit
   --device PATH        write to an existing serial port or pseudo-terminal
-  --baud RATE          line rate, default 4800; RATE/10 characters a second,
-                       and sentences that do not fit into a second are dropped
+  --baud RATE          line rate, default 4800; RATE/10 characters a second.
+                       Generated sentences that do not fit into a second are
+                       dropped; a captured second runs on into the next ones
   --duration SECONDS   stop after this time (default: run until interrupted)
 
 Source (default: a generated track, UTC time from the system clock):

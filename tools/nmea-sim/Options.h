@@ -8,15 +8,15 @@
 namespace marvento::nmeasim {
 
 struct Options {
-  std::string link;        // --link: symlink to the pseudo-terminal, removed on exit
-  std::string device;      // --device: write to this port instead of a pseudo-terminal
-  std::string replay;      // --replay: capture file to play instead of a generated track
-  long baud = 4800;        // --baud
+  std::string link;    // --link: symlink to the pseudo-terminal, removed on exit
+  std::string device;  // --device: write to this port instead of a pseudo-terminal
+  std::string replay;  // --replay: capture file to play instead of a generated track
+  long baud = 4800;    // --baud
   std::string talker = "GP";
   TrackConfig track;
-  unsigned seed = 0;       // --seed, for repeatable height noise
+  unsigned seed = 0;  // --seed, for repeatable height noise
   bool seedGiven = false;
-  double duration = 0;     // --duration: stop after so many seconds, 0 = run until stopped
+  double duration = 0;  // --duration: stop after so many seconds, 0 = run until stopped
   bool help = false;
 };
 

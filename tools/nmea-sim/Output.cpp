@@ -14,12 +14,14 @@ namespace marvento::nmeasim {
 
 namespace {
 
-std::string Errno(const std::string& what) { return what + ": " + std::strerror(errno); }
+std::string Errno(const std::string& what) {
+  return what + ": " + std::strerror(errno);
+}
 
 speed_t Speed(long baud) {
   static const std::map<long, speed_t> speeds = {
-      {300, B300},     {600, B600},     {1200, B1200},     {2400, B2400},
-      {4800, B4800},   {9600, B9600},   {19200, B19200},   {38400, B38400},
+      {300, B300},     {600, B600},       {1200, B1200},    {2400, B2400},
+      {4800, B4800},   {9600, B9600},     {19200, B19200},  {38400, B38400},
       {57600, B57600}, {115200, B115200}, {230400, B230400}};
   const auto it = speeds.find(baud);
   return it == speeds.end() ? B4800 : it->second;
@@ -70,7 +72,7 @@ std::unique_ptr<Output> Output::OpenPty(long baud, const std::string& link, std:
 
   out->m_path = out->m_slavePath;
   if (!link.empty()) {
-    struct stat st{};
+    struct stat st {};
     if (lstat(link.c_str(), &st) == 0) {
       // A link left by a run that was killed is ours to replace; anything else is not.
       if (!S_ISLNK(st.st_mode)) {
@@ -92,8 +94,7 @@ std::unique_ptr<Output> Output::OpenPty(long baud, const std::string& link, std:
   return out;
 }
 
-std::unique_ptr<Output> Output::OpenDevice(const std::string& path, long baud,
-                                           std::string& error) {
+std::unique_ptr<Output> Output::OpenDevice(const std::string& path, long baud, std::string& error) {
   std::unique_ptr<Output> out(new Output);
   out->m_fd = open(path.c_str(), O_WRONLY | O_NOCTTY | O_NONBLOCK);
   if (out->m_fd < 0) {

@@ -17,8 +17,7 @@ class Output {
   static std::unique_ptr<Output> OpenPty(long baud, const std::string& link, std::string& error);
 
   // Opens a serial port or a pseudo-terminal made elsewhere, raw and at `baud` if it is a tty.
-  static std::unique_ptr<Output> OpenDevice(const std::string& path, long baud,
-                                            std::string& error);
+  static std::unique_ptr<Output> OpenDevice(const std::string& path, long baud, std::string& error);
 
   ~Output();
   Output(const Output&) = delete;
@@ -40,8 +39,8 @@ class Output {
  private:
   Output() = default;
 
-  int m_fd = -1;       // pty master or device
-  int m_slave = -1;    // our own hold on the pty's serial side
+  int m_fd = -1;     // pty master or device
+  int m_slave = -1;  // our own hold on the pty's serial side
   bool m_pty = false;
   std::string m_path;  // what readers open: the link if there is one
   std::string m_slavePath;

@@ -4,7 +4,9 @@
 
 namespace marvento::nmeasim {
 
-long CharsPerSecond(long baud) { return baud > 0 ? baud / 10 : 0; }
+long CharsPerSecond(long baud) {
+  return baud > 0 ? baud / 10 : 0;
+}
 
 std::size_t FitBurst(const std::vector<std::string>& sentences, long cps) {
   std::size_t used = 0;

@@ -35,8 +35,8 @@ std::vector<std::string> SatelliteView(int count, long elapsed, bool weak) {
   std::vector<std::string> out;
   const int messages = std::max(1, (count + 3) / 4);
   for (int m = 0; m < messages; ++m) {
-    std::string body = "GPGSV," + std::to_string(messages) + "," + std::to_string(m + 1) + "," +
-                       Two(count);
+    std::string body =
+        "GPGSV," + std::to_string(messages) + "," + std::to_string(m + 1) + "," + Two(count);
     for (int i = m * 4; i < std::min(count, m * 4 + 4); ++i) {
       const int prn = kPrns[i];
       const int elev = 10 + static_cast<int>((prn * 37 + elapsed / 120) % 75);
@@ -72,8 +72,8 @@ std::vector<std::string> Receiver::Burst(std::time_t utc, long elapsed) {
   std::vector<std::string> out;
 
   if (!fix) {
-    out.push_back(Frame(m_talker + "GGA," + time + ",,,,,0," + Two(used) + "," + Fmt1(hdop) +
-                        ",,M,,M,,"));
+    out.push_back(
+        Frame(m_talker + "GGA," + time + ",,,,,0," + Two(used) + "," + Fmt1(hdop) + ",,M,,M,,"));
     out.push_back(Frame(m_talker + "GSA,A,1,,,,,,,,,,,,,99.9,99.9,99.9"));
     for (auto& s : SatelliteView(m_cfg.satellites, elapsed, true)) out.push_back(std::move(s));
     out.push_back(Frame(m_talker + "RMC," + time + ",V,,,,,,," + date + ",,,N"));

@@ -37,9 +37,9 @@ Position PositionAfter(const TrackConfig& cfg, double seconds) {
   const double dLambda = std::atan2(std::sin(theta) * std::sin(delta) * std::cos(phi1),
                                     std::cos(delta) - std::sin(phi1) * sinPhi2);
   // The course here is the reverse of the bearing back to the start.
-  const double back = std::atan2(std::sin(-dLambda) * std::cos(phi1),
-                                 std::cos(phi2) * std::sin(phi1) -
-                                     std::sin(phi2) * std::cos(phi1) * std::cos(-dLambda));
+  const double back = std::atan2(
+      std::sin(-dLambda) * std::cos(phi1),
+      std::cos(phi2) * std::sin(phi1) - std::sin(phi2) * std::cos(phi1) * std::cos(-dLambda));
   return {phi2 / kRad, WrapLon(cfg.lon + dLambda / kRad), Wrap360(back / kRad + 180.0)};
 }
 

@@ -4,16 +4,16 @@ namespace marvento::nmeasim {
 
 // The simulated vehicle: where it starts, how it moves, and when reception fails.
 struct TrackConfig {
-  double lat = 52.52;        // start latitude, decimal degrees, north positive
-  double lon = 13.4;         // start longitude, decimal degrees, east positive
-  double speedKn = 0.0;      // speed over ground, knots
-  double courseDeg = 0.0;    // initial course over ground, degrees from true north
-  double height = 35.0;      // antenna height above mean sea level, metres
-  double heightNoise = 1.5;  // heights vary at random within +-heightNoise metres
-  int satellites = 8;        // satellites used while there is a fix (0..12)
-  int dropout = 0;           // seconds without fix in every period, 0 = never
-  int dropoutEvery = 60;     // length of that period in seconds
-  int dropoutSatellites = 0; // satellites reported while the fix is lost
+  double lat = 52.52;         // start latitude, decimal degrees, north positive
+  double lon = 13.4;          // start longitude, decimal degrees, east positive
+  double speedKn = 0.0;       // speed over ground, knots
+  double courseDeg = 0.0;     // initial course over ground, degrees from true north
+  double height = 35.0;       // antenna height above mean sea level, metres
+  double heightNoise = 1.5;   // heights vary at random within +-heightNoise metres
+  int satellites = 8;         // satellites used while there is a fix (0..12)
+  int dropout = 0;            // seconds without fix in every period, 0 = never
+  int dropoutEvery = 60;      // length of that period in seconds
+  int dropoutSatellites = 0;  // satellites reported while the fix is lost
 };
 
 struct Position {

@@ -21,7 +21,9 @@ using namespace marvento::nmeasim;
 
 volatile sig_atomic_t g_stop = 0;
 
-void OnSignal(int) { g_stop = 1; }
+void OnSignal(int) {
+  g_stop = 1;
+}
 
 double Seconds(clockid_t clock) {
   timespec ts{};
@@ -38,7 +40,7 @@ void Sleep(double seconds) {
 }
 
 void InstallSignals() {
-  struct sigaction sa{};
+  struct sigaction sa {};
   sa.sa_handler = OnSignal;
   sigemptyset(&sa.sa_mask);
   sigaction(SIGINT, &sa, nullptr);
@@ -94,11 +96,13 @@ int main(int argc, char** argv) {
   const long cps = CharsPerSecond(opt.baud);
   const double monoStart = Seconds(CLOCK_MONOTONIC);
 
-  double second = -1;  // the UTC second whose burst is on the line
+  double second = -1;     // the UTC second in which the burst on the line began
+  double nextStart = -1;  // the earliest UTC second for the next burst
   std::string pending;
   std::size_t sent = 0;
   std::size_t replayIndex = 0;
   bool warnedCut = false;
+  const bool spread = !capture.empty();
 
   while (!g_stop) {
     const double mono = Seconds(CLOCK_MONOTONIC) - monoStart;
@@ -106,18 +110,23 @@ int main(int argc, char** argv) {
     const double now = Seconds(CLOCK_REALTIME);
 
     // A receiver starts each burst at the top of the UTC second; a clock that is set
-    // (Marvento can do that) simply starts the next burst at once.
-    if (std::floor(now) != second) {
-      second = std::floor(now);
+    // (Marvento can do that) simply starts the next burst at once. A captured burst too long
+    // for the line runs on into the next second, as it did on the receiver that sent it;
+    // a generated one is cut to what fits.
+    const double thisSecond = std::floor(now);
+    const bool finished = sent >= pending.size();
+    if (thisSecond < second || (thisSecond >= nextStart && (finished || !spread))) {
+      second = thisSecond;
+      nextStart = second + 1;
       std::vector<std::string> sentences;
       if (capture.empty()) {
-        sentences = receiver.Burst(static_cast<std::time_t>(second),
-                                   static_cast<long>(std::floor(mono)));
+        sentences =
+            receiver.Burst(static_cast<std::time_t>(second), static_cast<long>(std::floor(mono)));
       } else {
         for (const auto& line : capture[replayIndex]) sentences.push_back(line + "\r\n");
         replayIndex = (replayIndex + 1) % capture.size();
       }
-      const std::size_t fit = FitBurst(sentences, cps);
+      const std::size_t fit = spread ? sentences.size() : FitBurst(sentences, cps);
       if (fit < sentences.size() && !warnedCut) {
         std::cerr << program << ": a burst does not fit into one second at " << opt.baud
                   << " baud; sentences that do not fit are dropped\n";
@@ -132,12 +141,14 @@ int main(int argc, char** argv) {
     const std::size_t due = CharsDue(now - second, cps, pending.size());
     if (due > sent) {
       const std::size_t want = due - sent;
-      // A full line means nobody is reading: drop the rest of this second.
+      // A full line means nobody is reading: drop the rest of this burst.
       sent = out->Write(pending.data() + sent, want) < want ? pending.size() : due;
     }
+    if (sent < pending.size()) nextStart = thisSecond + 1;
     out->Drain();
 
-    const double toNextSecond = second + 1.0 - Seconds(CLOCK_REALTIME);
+    const double later = Seconds(CLOCK_REALTIME);
+    const double toNextSecond = std::floor(later) + 1.0 - later;
     Sleep(sent < pending.size() ? std::min(0.01, toNextSecond) : toNextSecond);
   }
   return 0;
