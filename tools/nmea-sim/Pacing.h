@@ -10,8 +10,8 @@ namespace marvento::nmeasim {
 long CharsPerSecond(long baud);
 
 // How many leading sentences of a burst (each with its line end) go out in one second at
-// `cps` characters per second. A receiver whose port is too slow for its output drops
-// the sentences that do not fit before the next fix, rather than fall behind.
+// `cps` characters per second. A generated receiver whose port is too slow for its output
+// drops the sentences that do not fit before the next fix, rather than fall behind.
 std::size_t FitBurst(const std::vector<std::string>& sentences, long cps);
 
 // How many of the `total` characters of a burst are on the line `elapsed` seconds after
