@@ -5,6 +5,9 @@
 #include "app/SettingsStore.h"
 #include "distance/Compute.h"
 #include "distance/ReverseBearing.h"
+#include "height/HeightEvaluate.h"
+#include "height/HeightReport.h"
+#include "height/HeightTable.h"
 #include "platform/CommControl.h"
 #include "platform/Format.h"
 #include "platform/MsgBox.h"
@@ -62,6 +65,7 @@ QString shortDate(const QDate& date) {
 
 struct frmMain::Subsystems {
   std::unique_ptr<ComputeCommand> compute;
+  std::unique_ptr<HeightTable> heights;
 };
 
 std::function<void()>& frmMain::exitProcess() {
@@ -352,6 +356,7 @@ void frmMain::Form_Load() {
     exitProcess()();
     return;
   }
+  m_sub->heights = std::make_unique<HeightTable>();
   mnuNeu_Click();
   placeWindow();
   fillRadiusList();
@@ -432,6 +437,8 @@ void frmMain::mnuGegenRichtung_Click() {
 
 void frmMain::mnuGPS_Höhe_Click() {
   if (m_state.GpsStatus == kGpsAn) {
+    QString unit;
+    HeightEvaluate(*m_sub->heights, QString(), unit, QString(), true);
     return;
   }
   MsgBox(QStringLiteral("Kein GPS aktiv!        "), vbInformation, QStringLiteral(" GPS-Höhe "));
@@ -460,7 +467,18 @@ void frmMain::ShowHelp() {}
 
 void frmMain::ShowAbout() {}
 
-void frmMain::HeightReport() {}
+void frmMain::HeightReport() {
+  marvento::HeightReport(*m_sub->heights, tbMyLoc->text(), tbMyLg->text(), tbMyBr->text());
+}
+
+void frmMain::HeightSample(const QString& alt, const QString& unit, const QString& sats) {
+  QString sampleUnit = unit;
+  HeightEvaluate(*m_sub->heights, alt, sampleUnit, sats, false);
+}
+
+const HeightTable& frmMain::heights() const {
+  return *m_sub->heights;
+}
 
 void frmMain::LockEntry() {}
 

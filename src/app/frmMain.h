@@ -20,6 +20,7 @@ class QToolBar;
 namespace marvento {
 
 class CommControl;
+class HeightTable;
 
 // The one window of the program. Its controls are the working data of the compute
 // command and of GPS reception, so they are public and carry their design names.
@@ -94,6 +95,9 @@ class frmMain : public QMainWindow {
   void Timer1_Timer();
   void Compute();
   void WriteGpsLog();
+  // One height sample from a good GGA sentence, and the table it goes into.
+  void HeightSample(const QString& alt, const QString& unit, const QString& sats);
+  const HeightTable& heights() const;
 
   // List position of Combo1 as the store keeps it: -1 when the text was typed.
   int radiusListIndex() const;
