@@ -91,6 +91,7 @@ class tst_Compute : public QObject {
   void typedCoordinatesThroughLocator();
   void gpsLog_data();
   void gpsLog();
+  void handlerRemembersAsTyped();
   void bothSidesChanged();
   void oldLocatorStaysAsTyped();
   void zeroCountsAsUnknown_data();
@@ -116,7 +117,7 @@ void tst_Compute::workedExample() {
                              "JN58TD", "11,625", "48,1458333333333"};
   const QStringList step4 = {"JO62QM", "13,375", "52,5208333333333", "JN58SE", "11,5", "48,2"};
   const QStringList step5 = {"JO62QM", "13,4", "52,52", "JN58SE", "11,5", "48,2"};
-  const QStringList step6 = {"JO62QM", "13,375", "52,5208333333333",
+  const QStringList step6 = {"JO62QM", "13,375",           "52,5208333333333",
                              "JN58SE", "11,5416666666667", "48,1875"};
   const Step steps[] = {
       {"1 route A", 0, "jo62qm", 3, "jo31nk", step1, " 444,53 km", "256,761 °"},
@@ -180,8 +181,7 @@ void tst_Compute::failures_data() {
       << QStringList{"jo62qm", "", "", "jo31nk12345", "", ""} << true << radius << 1
       << "JO31NK12345"
       << " Falsche Eingabe !" << 48 << 1 << ""
-      << QStringList{"JO62QM", "13,375", "52,5208333333333", "JO31NK12345", "", ""} << ""
-      << false;
+      << QStringList{"JO62QM", "13,375", "52,5208333333333", "JO31NK12345", "", ""} << "" << false;
   QTest::newRow("4 small field I")
       << QStringList{"jo62qm", "", "", "ek74i", "", ""} << true << radius << 1 << "EK74I"
       << " KF falsch !" << 48 << 1 << ""
@@ -209,15 +209,14 @@ void tst_Compute::failures_data() {
       << QStringList{"jo62qm", "", "", "jo62qm", "", ""} << true << radius << 1
       << "Entfernung: < 1 m"
       << " Bitte Bandmaß benutzen ! " << 64 << 1 << ""
-      << QStringList{"JO62QM", "13,375", "52,5208333333333", "JO62QM", "13,375",
-                     "52,5208333333333"}
+      << QStringList{"JO62QM", "13,375", "52,5208333333333", "JO62QM", "13,375", "52,5208333333333"}
       << " 0 " << true;
   // Any other run-time error: remembered, a beep, no box, labels as they were.
   QTest::newRow("radius overflows")
-      << QStringList{"jo62qm", "", "", "jo31nk", "", ""} << true << "1E999" << 0 << "" << ""
-      << 0 << 1 << ""
-      << QStringList{"JO62QM", "13,375", "52,5208333333333", "JO31NK", "7,125", "51,4375"}
-      << "" << true;
+      << QStringList{"jo62qm", "", "", "jo31nk", "", ""} << true << "1E999" << 0 << ""
+      << "" << 0 << 1 << ""
+      << QStringList{"JO62QM", "13,375", "52,5208333333333", "JO31NK", "7,125", "51,4375"} << ""
+      << true;
 }
 
 void tst_Compute::failures() {
@@ -309,22 +308,48 @@ void tst_Compute::plusRemoteLocator() {
 }
 
 void tst_Compute::coincidingPositions_data() {
+  QTest::addColumn<QString>("fremdLg");
   QTest::addColumn<QString>("fremdBr");
-  QTest::addColumn<bool>("equal");
-  QTest::newRow("same text") << "50" << true;
-  QTest::newRow("0.000001 apart") << "50,000001" << true;
-  QTest::newRow("0.0000013 apart") << "50,0000013" << false;
+  QTest::addColumn<QString>("entfernung");  // empty: coincide
+  QTest::addColumn<QString>("richtung");
+  QTest::newRow("same text") << "8"
+                             << "50"
+                             << ""
+                             << "";
+  QTest::newRow("latitude 0.000001 apart") << "8"
+                                           << "50,000001"
+                                           << ""
+                                           << "";
+  QTest::newRow("latitude 0.00000126 apart") << "8"
+                                             << "50,00000126"
+                                             << ""
+                                             << "";
+  QTest::newRow("latitude 0.0000013 apart") << "8"
+                                            << "50,0000013"
+                                            << "   0,13 m"
+                                            << "0,0 °";
+  QTest::newRow("longitude 0.00000083 apart") << "8,00000083"
+                                              << "50"
+                                              << ""
+                                              << "";
+  QTest::newRow("longitude 0.00000084 apart") << "8,00000084"
+                                              << "50"
+                                              << "   0,28 m"
+                                              << "90,0 °";
 }
 
 // All four coordinates typed on a fresh start: route B, then SolveDistance reads the remote
 // side; both positions are compared before anything is solved.
 void tst_Compute::coincidingPositions() {
+  QFETCH(QString, fremdLg);
   QFETCH(QString, fremdBr);
-  QFETCH(bool, equal);
+  QFETCH(QString, entfernung);
+  QFETCH(QString, richtung);
+  const bool equal = entfernung.isEmpty();
   Window w;
   MsgBoxRecorder rec;
   w.lblRichtung->setText("alt °");
-  w.type({"", "8", "50", "", "8", fremdBr});
+  w.type({"", "8", "50", "", fremdLg, fremdBr});
   w.command.Compute();
   if (equal) {
     QCOMPARE(w.lblEntfernung->text(), QString(" 0 "));
@@ -333,8 +358,8 @@ void tst_Compute::coincidingPositions() {
     QCOMPARE(rec.last().prompt, QString("Entfernung: < 1 m"));
   } else {
     QCOMPARE(rec.count(), 0);
-    QCOMPARE(w.lblEntfernung->text(), QString("   0,13 m"));
-    QCOMPARE(w.lblRichtung->text(), QString("0,0 °"));
+    QCOMPARE(w.lblEntfernung->text(), entfernung);
+    QCOMPARE(w.lblRichtung->text(), richtung);
   }
   // Run again: the fields were remembered either way, so route F finds no difference.
   rec.clear();
@@ -402,12 +427,14 @@ void tst_Compute::gpsLog() {
   w.state.GpsStatus = gpsStatus;
   w.state.ProtokollOn = protokollOn;
   const std::function<void()> steps[] = {
-      [&] { w.type({"jo62qm", "", "", "jo31nk", "", ""}); },  // A
-      [&] {},                                                 // F
-      [&] { w.tbFremdLoc->setText("JN58TD"); },               // C
-      [&] { w.tbMyLoc->setText("JO62QL"); },                  // E
-      [&] { w.tbMyLg->setText("13,4"); },                     // B, locator as remembered
-      [&] {                                                   // B, locator typed as well
+      [&] {
+        w.type({"jo62qm", "", "", "jo31nk", "", ""});
+      },                                         // A
+      [&] {},                                    // F
+      [&] { w.tbFremdLoc->setText("JN58TD"); },  // C
+      [&] { w.tbMyLoc->setText("JO62QL"); },     // E
+      [&] { w.tbMyLg->setText("13,4"); },        // B, locator as remembered
+      [&] {                                      // B, locator typed as well
         w.tbMyLg->setText("13,3");
         w.tbMyLoc->setText("JO62PM");
       },
@@ -419,6 +446,24 @@ void tst_Compute::gpsLog() {
     QCOMPARE(w.logWrites, writes[i]);
   }
   QCOMPARE(rec.count(), 0);
+}
+
+// After a run-time error the fields are remembered without capitals.
+void tst_Compute::handlerRemembersAsTyped() {
+  Window w;
+  MsgBoxRecorder rec;
+  w.type({"jo62qm", "", "", "jo31nk", "", ""});
+  w.command.Compute();
+  w.tbMyLg->setText("13,4");
+  w.tbFremdLoc->setText("jo31nk");
+  w.Combo1->setEditText("1E999");
+  w.lblEntfernung->setText("alt");
+  w.command.Compute();
+  QCOMPARE(rec.count(), 0);
+  QCOMPARE(rec.beeps(), 1);
+  QCOMPARE(w.lblEntfernung->text(), QString("alt"));
+  QCOMPARE(memoryTexts(w.command.memory()),
+           QStringList({"JO62QM", "13,4", "52,5208333333333", "jo31nk", "7,125", "51,4375"}));
 }
 
 // Own coordinates go first; the remote change is remembered without being read.
