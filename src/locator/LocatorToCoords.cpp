@@ -66,8 +66,8 @@ LocatorDecode DecodeLocator(QStringView text) {
   auto part = [&](int pos, int zero, double divisor) {
     return pos <= n ? (c[pos] - zero) / divisor : 0.0;
   };
-  out.Br = digit4 + ((c[2] - 65) * 10 - 90) + (c[6] - 65) / 24.0 + part(8, 48, 240) +
-           part(10, 65, 5760);
+  out.Br =
+      digit4 + ((c[2] - 65) * 10 - 90) + (c[6] - 65) / 24.0 + part(8, 48, 240) + part(10, 65, 5760);
   out.Lg = digit3 * 2 + ((c[1] - 65) * 20 - 180) + (c[5] - 65) / 12.0 + part(7, 48, 120) +
            part(9, 65, 2880);
   return out;

@@ -11,53 +11,56 @@ namespace {
 using Status = LocatorDecode::Status;
 
 struct DecodeCase {
-  const char16_t* text;
+  QString text;
   Status status;
   double Lg;  // for BadHead not looked at
   double Br;
 };
 
-// Values given with 17 digits must come out bit for bit; the others to 1e-9.
+// Positions to 1e-9; the last bits have a test of their own below.
 TEST(DecodeLocator, DecodesCentresAndCorners) {
   const DecodeCase cases[] = {
-      {u"JO62QM", LocatorDecode::Ok, 13.375, 52.520833333333},
-      {u"JO62QM50", LocatorDecode::Ok, 13.375, 52.5},
-      {u"JO62QM84AT", LocatorDecode::Ok, 13.4, 52.519965277778},
-      {u"AA00AA", LocatorDecode::Ok, -179.958333333333, -89.979166666667},
-      {u"RR99XX", LocatorDecode::Ok, 179.958333333333, 89.979166666667},
-      {u"AA00AA00AA", LocatorDecode::Ok, -180, -90},
+      {QStringLiteral("JO62QM"), LocatorDecode::Ok, 13.375, 52.520833333333},
+      {QStringLiteral("JO62QM50"), LocatorDecode::Ok, 13.375, 52.5},
+      {QStringLiteral("JO62QM84AT"), LocatorDecode::Ok, 13.4, 52.519965277778},
+      {QStringLiteral("AA00AA"), LocatorDecode::Ok, -179.958333333333, -89.979166666667},
+      {QStringLiteral("RR99XX"), LocatorDecode::Ok, 179.958333333333, 89.979166666667},
+      {QStringLiteral("AA00AA00AA"), LocatorDecode::Ok, -180, -90},
       // A missing position in 7 to 10 adds nothing.
-      {u"JO62QM5", LocatorDecode::Ok, 13.375, 52.5},
-      {u"JO62QM50A", LocatorDecode::Ok, 13.375, 52.5},
-      {u"JO62QM5Z", LocatorDecode::BadTail, 13.375, 52.520833333333},
-      {u"JO62QM50AY", LocatorDecode::BadTail, 13.375, 52.520833333333},
-      {u"SA00AA", LocatorDecode::BadHead, 0, 0},
-      {u"AS00AA", LocatorDecode::BadHead, 0, 0},
-      {u"JO62YA", LocatorDecode::BadHead, 0, 0},
-      {u"JO62AY", LocatorDecode::BadHead, 0, 0},
-      {u"JOA2QM", LocatorDecode::BadHead, 0, 0},
-      {u"JO6:QM", LocatorDecode::BadHead, 0, 0},
-      {u"@O62QM", LocatorDecode::BadHead, 0, 0},
+      {QStringLiteral("JO62QM5"), LocatorDecode::Ok, 13.375, 52.5},
+      {QStringLiteral("JO62QM50A"), LocatorDecode::Ok, 13.375, 52.5},
+      {QStringLiteral("JO62QM5Z"), LocatorDecode::BadTail, 13.375, 52.520833333333},
+      {QStringLiteral("JO62QM50AY"), LocatorDecode::BadTail, 13.375, 52.520833333333},
+      {QStringLiteral("SA00AA"), LocatorDecode::BadHead, 0, 0},
+      {QStringLiteral("AS00AA"), LocatorDecode::BadHead, 0, 0},
+      {QStringLiteral("JO62YA"), LocatorDecode::BadHead, 0, 0},
+      {QStringLiteral("JO62AY"), LocatorDecode::BadHead, 0, 0},
+      {QStringLiteral("JOA2QM"), LocatorDecode::BadHead, 0, 0},
+      {QStringLiteral("JO6:QM"), LocatorDecode::BadHead, 0, 0},
+      {QStringLiteral("@O62QM"), LocatorDecode::BadHead, 0, 0},
       // Small letters are the caller's to raise; here they are refused.
-      {u"jo62qm", LocatorDecode::BadHead, 0, 0},
-      {u"JO62qm", LocatorDecode::BadHead, 0, 0},
-      {u"JO62QMab", LocatorDecode::BadTail, 13.375, 52.520833333333},
-      {u"JO62QM8 ", LocatorDecode::BadTail, 13.375, 52.520833333333},
+      {QStringLiteral("jo62qm"), LocatorDecode::BadHead, 0, 0},
+      {QStringLiteral("JO62qm"), LocatorDecode::BadHead, 0, 0},
+      {QStringLiteral("JO62QMab"), LocatorDecode::BadTail, 13.375, 52.520833333333},
+      {QStringLiteral("JO62QM8 "), LocatorDecode::BadTail, 13.375, 52.520833333333},
       // Positions behind the end count as empty and fail in 1 to 6.
-      {u"", LocatorDecode::BadHead, 0, 0},
-      {u"JO62Q", LocatorDecode::BadHead, 0, 0},
-      {u"J", LocatorDecode::BadHead, 0, 0},
-      {u"ÄO62QM", LocatorDecode::BadHead, 0, 0},
-      {u"JO62QM8\u00B9", LocatorDecode::BadTail, 13.375, 52.520833333333},
+      {QString(), LocatorDecode::BadHead, 0, 0},
+      {QStringLiteral("JO62Q"), LocatorDecode::BadHead, 0, 0},
+      {QStringLiteral("J"), LocatorDecode::BadHead, 0, 0},
+      {QStringLiteral("ÄO62QM"), LocatorDecode::BadHead, 0, 0},
+      {QStringLiteral("JO62QM8\u00B9"), LocatorDecode::BadTail, 13.375, 52.520833333333},
       // Only the first ten characters are looked at.
-      {u"JO62QM84ATxyz", LocatorDecode::Ok, 13.4, 52.519965277778},
+      {QStringLiteral("JO62QM84ATxyz"), LocatorDecode::Ok, 13.4, 52.519965277778},
+      {QString::fromUtf16(u"JO\0002QM", 6), LocatorDecode::BadHead, 0, 0},
+      {QStringLiteral("\U0001F4E1\U0001F4E1\U0001F4E1\U0001F4E1\U0001F4E1"), LocatorDecode::BadHead,
+       0, 0},
+      {QString(10000, QChar(u'Z')), LocatorDecode::BadHead, 0, 0},
   };
   for (const auto& c : cases) {
-    const QString text = QString::fromUtf16(c.text);
-    SCOPED_TRACE(text.toStdString());
-    const LocatorDecode d = DecodeLocator(text);
+    SCOPED_TRACE(c.text.left(12).toStdString());
+    const LocatorDecode d = DecodeLocator(c.text);
     EXPECT_EQ(d.status, c.status);
-    EXPECT_EQ(d.shown, text.left(10));
+    EXPECT_EQ(d.shown, c.text.left(10));
     if (c.status != LocatorDecode::BadHead) {
       EXPECT_NEAR(d.Lg, c.Lg, 1e-9);
       EXPECT_NEAR(d.Br, c.Br, 1e-9);
@@ -92,25 +95,12 @@ TEST(DecodeLocator, KeepsTheLastBitsOfTheSums) {
   }
 }
 
-TEST(DecodeLocator, SurvivesHostileText) {
-  QString longText(10000, QChar(u'Z'));
-  const QString nul = QString::fromUtf16(u"JO\0002QM", 6);
-  const QString surrogates = QString::fromUtf16(u"\U0001F4E1\U0001F4E1\U0001F4E1\U0001F4E1\U0001F4E1\U0001F4E1");
-  const QString mixed = QStringLiteral("JO62QM84AT") + QString(9990, QChar(0xFFFF));
-  EXPECT_EQ(DecodeLocator(longText).status, LocatorDecode::BadHead);
-  EXPECT_EQ(DecodeLocator(longText).shown.size(), 10);
-  EXPECT_EQ(DecodeLocator(nul).status, LocatorDecode::BadHead);
-  EXPECT_EQ(DecodeLocator(surrogates).status, LocatorDecode::BadHead);
-  EXPECT_EQ(DecodeLocator(mixed).status, LocatorDecode::Ok);
-}
-
 // Six-character locators sit at least 1/48 degree from their cell edges, so their centres
 // must encode back to the same text. Every 97th of them here; the full set is a benchmark.
 TEST(DecodeLocator, SixCharacterLocatorsComeBackThroughTheEncoder) {
   constexpr int kCount = 18 * 18 * 10 * 10 * 24 * 24;
   QString loc(6, QChar(u' '));
   int wrong = 0;
-  int checked = 0;
   for (int i = 0; i < kCount; i += 97) {
     int n = i;
     loc[5] = QChar(u'A' + n % 24), n /= 24;
@@ -120,13 +110,11 @@ TEST(DecodeLocator, SixCharacterLocatorsComeBackThroughTheEncoder) {
     loc[1] = QChar(u'A' + n % 18), n /= 18;
     loc[0] = QChar(u'A' + n);
     const LocatorDecode d = DecodeLocator(loc);
-    ++checked;
     if (d.status != LocatorDecode::Ok || CoordsToLocator6(d.Lg, d.Br) != loc) {
       if (++wrong <= 5) ADD_FAILURE() << loc.toStdString();
     }
   }
   EXPECT_EQ(wrong, 0);
-  EXPECT_EQ(checked, (kCount + 96) / 97);
 }
 
 TEST(LocatorToCoords, TellsTheUserOnceAndKeepsOrSetsThePosition) {

@@ -123,8 +123,8 @@ TEST(QraToCoords, KeepsEveryFieldInsideTheGrid) {
     for (char16_t b = u'A'; b <= u'Z'; ++b) {
       for (int cell = 1; cell <= 80; ++cell) {
         for (QChar k : kf) {
-          const QString text = QString(QChar(a)) + QChar(b) +
-                               QString::number(cell).rightJustified(2, u'0') + k;
+          const QString text =
+              QString(QChar(a)) + QChar(b) + QString::number(cell).rightJustified(2, u'0') + k;
           double Lg = 0;
           double Br = 0;
           if (!QraToCoords(text, Lg, Br).isEmpty()) {
