@@ -4,7 +4,6 @@
 #include "distance/RunError.h"
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 namespace marvento {
@@ -55,30 +54,6 @@ TEST_F(GreatCircleTest, CaptionsOfKnownPairs) {
       EXPECT_NE(*r.richtung, QStringLiteral("-"));
       EXPECT_TRUE(r.richtung->endsWith(QStringLiteral(" °")));
     }
-  }
-}
-
-TEST_F(GreatCircleTest, DistanceRowsByMagnitude) {
-  // The radius is chosen so that the central angle of the pair gives the wanted distance.
-  const double angle = ArcCos(std::sin(50 * kPi / 180) * std::sin(50.01 * kPi / 180) +
-                              std::cos(50.01 * kPi / 180) * std::cos(50 * kPi / 180) *
-                                  std::cos(8 * kPi / 180 - 8 * kPi / 180))
-                           .value;
-  struct Row {
-    double km;
-    const char* prefix;
-    const char* unit;
-  } rows[] = {{0.999, "   ", " m"}, {1.001, "  ", " m"}, {9.99, "  ", " m"}, {10.01, " ", " km"}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.km);
-    const double radius = row.km / (kFullCircle / 360 * angle * 180 / kPi);
-    const DistanceBearing r =
-        SolveDistanceBearing(50, 50.01, 8, 8, QString::number(radius, 'g', 17));
-    ASSERT_TRUE(r.entfernung.has_value());
-    EXPECT_TRUE(r.entfernung->startsWith(QString::fromUtf8(row.prefix)) &&
-                r.entfernung->at(static_cast<qsizetype>(std::strlen(row.prefix))) != u' ')
-        << r.entfernung->toStdString();
-    EXPECT_TRUE(r.entfernung->endsWith(QString::fromUtf8(row.unit))) << r.entfernung->toStdString();
   }
 }
 
