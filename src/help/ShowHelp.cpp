@@ -34,7 +34,13 @@ bool FileFound(const QString& file) {
 
 Viewer FindViewer(const QString& file) {
   const QMimeType type = QMimeDatabase().mimeTypeForFile(file, QMimeDatabase::MatchExtension);
-  const auto entry = DefaultApplication(type.name());
+  QString typeName = type.name();
+  // Without a MIME database on the machine the help file must still find its viewer.
+  if ((!type.isValid() || type.isDefault()) &&
+      QFileInfo(file).suffix().compare(QLatin1String("pdf"), Qt::CaseInsensitive) == 0) {
+    typeName = QStringLiteral("application/pdf");
+  }
+  const auto entry = DefaultApplication(typeName);
   if (!entry) return {};
   const auto command = ParseExec(entry->exec);
   if (!command) return {};
