@@ -19,10 +19,14 @@ namespace marvento {
 // System profilers first, as they show what the button promises; the desktops' system
 // monitors after them, as the nearest thing most desktops have.
 const QStringList kSysInfoPrograms = {
-    QStringLiteral("hardinfo2"),           QStringLiteral("hardinfo"),
-    QStringLiteral("kinfocenter"),         QStringLiteral("gnome-system-monitor"),
-    QStringLiteral("plasma-systemmonitor"), QStringLiteral("ksysguard"),
-    QStringLiteral("mate-system-monitor"), QStringLiteral("xfce4-taskmanager"),
+    QStringLiteral("hardinfo2"),
+    QStringLiteral("hardinfo"),
+    QStringLiteral("kinfocenter"),
+    QStringLiteral("gnome-system-monitor"),
+    QStringLiteral("plasma-systemmonitor"),
+    QStringLiteral("ksysguard"),
+    QStringLiteral("mate-system-monitor"),
+    QStringLiteral("xfce4-taskmanager"),
     QStringLiteral("lxtask"),
 };
 

@@ -36,8 +36,8 @@ void writeFile(const QString& path, const QByteArray& content, bool executable =
 // Restores an environment variable when it goes out of scope.
 class EnvGuard {
  public:
-  explicit EnvGuard(const char* name) : m_name(name), m_had(qEnvironmentVariableIsSet(name)),
-                                        m_value(qgetenv(name)) {}
+  explicit EnvGuard(const char* name)
+      : m_name(name), m_had(qEnvironmentVariableIsSet(name)), m_value(qgetenv(name)) {}
   ~EnvGuard() {
     if (m_had) {
       qputenv(m_name, m_value);
@@ -55,9 +55,8 @@ class EnvGuard {
 // A private set of XDG folders, so that the machine's own associations play no part.
 struct Sandbox {
   QTemporaryDir dir;
-  EnvGuard configHome{"XDG_CONFIG_HOME"}, configDirs{"XDG_CONFIG_DIRS"},
-      dataHome{"XDG_DATA_HOME"}, dataDirs{"XDG_DATA_DIRS"}, desktop{"XDG_CURRENT_DESKTOP"},
-      path{"PATH"};
+  EnvGuard configHome{"XDG_CONFIG_HOME"}, configDirs{"XDG_CONFIG_DIRS"}, dataHome{"XDG_DATA_HOME"},
+      dataDirs{"XDG_DATA_DIRS"}, desktop{"XDG_CURRENT_DESKTOP"}, path{"PATH"};
 
   Sandbox() {
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(at("config")));
@@ -134,8 +133,8 @@ void tst_Help::showHelpFailures_data() {
   QTest::addColumn<Setup>("setup");
   QTest::addColumn<QString>("title");
   QTest::addColumn<QString>("promptPattern");  // %1 is the help file's path
-  const QString notFound = QStringLiteral(
-      "Die Datei \n%1\nist nicht vorhanden!\nBitte selbst nach der Datei suchen.");
+  const QString notFound =
+      QStringLiteral("Die Datei \n%1\nist nicht vorhanden!\nBitte selbst nach der Datei suchen.");
   const QString noViewer =
       QStringLiteral("Acrobat Reader o.ä. nicht gefunden!\nHilfe finden Sie in der Datei \n%1\n");
   QTest::newRow("help file missing")
@@ -184,20 +183,25 @@ void tst_Help::showHelpStartsViewer_data() {
   QTest::addColumn<QStringList>("argsBeforeFile");
   QTest::addColumn<QStringList>("argsAfterFile");
   QTest::newRow("viewer found on PATH")
-      << "Programm" << "bin/marvento-test-viewer" << "marvento-test-viewer %f" << QStringList()
-      << QStringList();
+      << "Programm"
+      << "bin/marvento-test-viewer"
+      << "marvento-test-viewer %f" << QStringList() << QStringList();
   QTest::newRow("blanks in the program folder")
-      << "Eigene Dateien/Mein Marvento" << "bin/marvento-test-viewer"
+      << "Eigene Dateien/Mein Marvento"
+      << "bin/marvento-test-viewer"
       << "marvento-test-viewer %U" << QStringList() << QStringList();
   QTest::newRow("quoted viewer path with blanks, fixed arguments")
-      << "Eigene Dateien/Mein Marvento" << "Viewer Programme/pdf viewer" << "\"%V\" --page 1 %U"
-      << QStringList{"--page", "1"} << QStringList();
-  QTest::newRow("file code between arguments")
-      << "Programm" << "bin/marvento-test-viewer" << "marvento-test-viewer --open %f --quiet"
-      << QStringList{"--open"} << QStringList{"--quiet"};
+      << "Eigene Dateien/Mein Marvento"
+      << "Viewer Programme/pdf viewer"
+      << "\"%V\" --page 1 %U" << QStringList{"--page", "1"} << QStringList();
+  QTest::newRow("file code between arguments") << "Programm"
+                                               << "bin/marvento-test-viewer"
+                                               << "marvento-test-viewer --open %f --quiet"
+                                               << QStringList{"--open"} << QStringList{"--quiet"};
   QTest::newRow("no file code: file appended")
-      << "Programm" << "bin/marvento-test-viewer" << "marvento-test-viewer --new-window"
-      << QStringList{"--new-window"} << QStringList();
+      << "Programm"
+      << "bin/marvento-test-viewer"
+      << "marvento-test-viewer --new-window" << QStringList{"--new-window"} << QStringList();
 }
 
 void tst_Help::showHelpStartsViewer() {
@@ -224,14 +228,18 @@ void tst_Help::showHelpStartsViewer() {
 void tst_Help::aboutTexts_data() {
   QTest::addColumn<QString>("name");
   QTest::addColumn<QString>("text");
-  QTest::newRow("cmdOK") << "cmdOK" << "OK";
-  QTest::newRow("cmdSysInfo") << "cmdSysInfo" << "&Systeminfo...";
+  QTest::newRow("cmdOK") << "cmdOK"
+                         << "OK";
+  QTest::newRow("cmdSysInfo") << "cmdSysInfo"
+                              << "&Systeminfo...";
   QTest::newRow("lblDisclaimer")
       << "lblDisclaimer"
       << "Bei Fehlern in der Beschaltung der Schnittstelle (Anschlusskabel) kann es zeitweise "
          "zum Hängenbleiben des Betriebssystems kommen !";
-  QTest::newRow("lblVersion") << "lblVersion" << "Version 4.4.0";
-  QTest::newRow("lblTitle") << "lblTitle" << "Marvento";
+  QTest::newRow("lblVersion") << "lblVersion"
+                              << "Version 4.4.0";
+  QTest::newRow("lblTitle") << "lblTitle"
+                            << "Marvento";
   QTest::newRow("lblDescription")
       << "lblDescription"
       << "Copyright © 2026 Marvento-Entwickler. Lizenz: GNU GPL, Version 3 oder später. Ohne "
@@ -239,7 +247,8 @@ void tst_Help::aboutTexts_data() {
   QTest::newRow("lblBeschreibung")
       << "lblBeschreibung"
       << "Locator- Programm zur Entfernungs-  und Richtungs-Bestimmung mit oder ohne GPS";
-  QTest::newRow("lblAchtung") << "lblAchtung" << "Achtung:";
+  QTest::newRow("lblAchtung") << "lblAchtung"
+                              << "Achtung:";
 }
 
 void tst_Help::aboutTexts() {

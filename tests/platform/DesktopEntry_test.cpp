@@ -1,16 +1,16 @@
 #include "platform/DesktopEntry.h"
 
+#include <gtest/gtest.h>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace marvento {
 namespace {
 
 struct ExecCase {
   const char* exec;
-  const char* program;  // nullptr: refused
+  const char* program;           // nullptr: refused
   QStringList argumentsForFile;  // with "F" standing for the file
 };
 
@@ -28,7 +28,8 @@ TEST(ParseExec, CommandLines) {
       {"viewer --title=100%% %f", "viewer", {"--title=100%", "F"}},
       {"viewer %%", "viewer", {"%", "F"}},
       {"viewer %f %U", "viewer", {"F"}},  // the file is passed once
-      {"flatpak run org.gnome.Evince --file-forwarding @@u %U @@", "flatpak",
+      {"flatpak run org.gnome.Evince --file-forwarding @@u %U @@",
+       "flatpak",
        {"run", "org.gnome.Evince", "--file-forwarding", "@@u", "F", "@@"}},
       {"  viewer\t\t%f  ", "viewer", {"F"}},
       {"viewer \"\" %f", "viewer", {"", "F"}},  // a quoted empty argument stays
@@ -59,8 +60,13 @@ TEST(ParseExec, FileWithBlanksStaysOneArgument) {
 
 TEST(UnescapeValue, StringEscapes) {
   const std::pair<const char*, const char*> cases[] = {
-      {"a\\sb", "a b"},   {"a\\nb", "a\nb"},     {"a\\tb", "a\tb"}, {"a\\rb", "a\rb"},
-      {"a\\\\b", "a\\b"}, {"a\\;b", "a\\;b"},    {"end\\", "end\\"},
+      {"a\\sb", "a b"},
+      {"a\\nb", "a\nb"},
+      {"a\\tb", "a\tb"},
+      {"a\\rb", "a\rb"},
+      {"a\\\\b", "a\\b"},
+      {"a\\;b", "a\\;b"},
+      {"end\\", "end\\"},
       // Four backslashes in the file are one literal backslash once quoting is undone too.
       {"\"a\\\\\\\\b\"", "\"a\\\\b\""},
   };

@@ -1,10 +1,10 @@
 #include "platform/MimeApps.h"
 
+#include <gtest/gtest.h>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 #include <map>
 #include <string>
@@ -18,7 +18,8 @@ namespace {
 class MimeAppsTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    for (const char* name : kVariables) m_saved[name] = {qEnvironmentVariableIsSet(name), qgetenv(name)};
+    for (const char* name : kVariables)
+      m_saved[name] = {qEnvironmentVariableIsSet(name), qgetenv(name)};
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(at("home/.config")));
     qputenv("XDG_CONFIG_DIRS", QFile::encodeName(at("etc/xdg")));
     qputenv("XDG_DATA_HOME", QFile::encodeName(at("home/.local/share")));
@@ -62,8 +63,8 @@ class MimeAppsTest : public ::testing::Test {
   }
 
  private:
-  static constexpr const char* kVariables[] = {"XDG_CONFIG_HOME", "XDG_CONFIG_DIRS",
-                                               "XDG_DATA_HOME",   "XDG_DATA_DIRS",
+  static constexpr const char* kVariables[] = {"XDG_CONFIG_HOME",     "XDG_CONFIG_DIRS",
+                                               "XDG_DATA_HOME",       "XDG_DATA_DIRS",
                                                "XDG_CURRENT_DESKTOP", "PATH"};
   QTemporaryDir m_dir;
   std::map<std::string, std::pair<bool, QByteArray>> m_saved;
@@ -76,15 +77,22 @@ const QString kUserApps = QStringLiteral("home/.local/share/applications");
 TEST_F(MimeAppsTest, FilesInPrecedenceOrder) {
   qputenv("XDG_CURRENT_DESKTOP", "KDE:Plasma");
   const QStringList expected = {
-      at("home/.config/kde-mimeapps.list"),      at("home/.config/plasma-mimeapps.list"),
-      at("home/.config/mimeapps.list"),          at("etc/xdg/kde-mimeapps.list"),
-      at("etc/xdg/plasma-mimeapps.list"),        at("etc/xdg/mimeapps.list"),
-      at(kUserApps + "/kde-mimeapps.list"),      at(kUserApps + "/plasma-mimeapps.list"),
-      at(kUserApps + "/mimeapps.list"),          at("usr/local/share/applications/kde-mimeapps.list"),
+      at("home/.config/kde-mimeapps.list"),
+      at("home/.config/plasma-mimeapps.list"),
+      at("home/.config/mimeapps.list"),
+      at("etc/xdg/kde-mimeapps.list"),
+      at("etc/xdg/plasma-mimeapps.list"),
+      at("etc/xdg/mimeapps.list"),
+      at(kUserApps + "/kde-mimeapps.list"),
+      at(kUserApps + "/plasma-mimeapps.list"),
+      at(kUserApps + "/mimeapps.list"),
+      at("usr/local/share/applications/kde-mimeapps.list"),
       at("usr/local/share/applications/plasma-mimeapps.list"),
       at("usr/local/share/applications/mimeapps.list"),
-      at(kSysApps + "/kde-mimeapps.list"),       at(kSysApps + "/plasma-mimeapps.list"),
-      at(kSysApps + "/mimeapps.list"),           at(kUserApps + "/defaults.list"),
+      at(kSysApps + "/kde-mimeapps.list"),
+      at(kSysApps + "/plasma-mimeapps.list"),
+      at(kSysApps + "/mimeapps.list"),
+      at(kUserApps + "/defaults.list"),
       at("usr/local/share/applications/defaults.list"),
       at(kSysApps + "/defaults.list"),
   };
@@ -200,8 +208,10 @@ TEST_F(MimeAppsTest, FindOnPathSearchesInOrder) {
   QDir().mkpath(at("bin/first/folder"));
   qputenv("PATH", QFile::encodeName(at("bin/first") + "::" + at("bin/second")));
   const PathCase cases[] = {
-      {"tool", "bin/first/tool"},  {"plain", "bin/second/plain"},
-      {"folder", ""},              {"missing", ""},
+      {"tool", "bin/first/tool"},
+      {"plain", "bin/second/plain"},
+      {"folder", ""},
+      {"missing", ""},
       {"", ""},
   };
   for (const PathCase& c : cases) {
