@@ -6,20 +6,24 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
-#include <map>
-#include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/Programs.h"
 
 namespace marvento {
 namespace {
 
+const char* const kVariables[] = {"XDG_CONFIG_HOME", "XDG_CONFIG_DIRS",     "XDG_DATA_HOME",
+                                  "XDG_DATA_DIRS",   "XDG_CURRENT_DESKTOP", "PATH"};
+
 // Points every XDG variable and PATH into a temporary folder and restores them afterwards.
 class MimeAppsTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    for (const char* name : kVariables)
-      m_saved[name] = {qEnvironmentVariableIsSet(name), qgetenv(name)};
+    for (const char* name : kVariables) {
+      m_saved.push_back({qEnvironmentVariableIsSet(name), qgetenv(name)});
+    }
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(at("home/.config")));
     qputenv("XDG_CONFIG_DIRS", QFile::encodeName(at("etc/xdg")));
     qputenv("XDG_DATA_HOME", QFile::encodeName(at("home/.local/share")));
@@ -28,11 +32,11 @@ class MimeAppsTest : public ::testing::Test {
     qunsetenv("XDG_CURRENT_DESKTOP");
   }
   void TearDown() override {
-    for (const auto& [name, value] : m_saved) {
-      if (value.first) {
-        qputenv(name.c_str(), value.second);
+    for (size_t i = 0; i < m_saved.size(); ++i) {
+      if (m_saved[i].first) {
+        qputenv(kVariables[i], m_saved[i].second);
       } else {
-        qunsetenv(name.c_str());
+        qunsetenv(kVariables[i]);
       }
     }
   }
@@ -49,57 +53,156 @@ class MimeAppsTest : public ::testing::Test {
     if (executable) file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
   }
 
-  // A PDF-capable application entry that runs `program`.
-  void app(const QString& folder, const QString& name, const QByteArray& extra = {}) {
-    write(folder + "/" + name,
-          "[Desktop Entry]\nType=Application\nExec=" + QFile::encodeName(name) + " %f\n" + extra);
-  }
-
-  // The file name part of the entry chosen for PDF, or "" when there is none.
-  QString chosen() const {
-    const auto entry = DefaultApplication(QStringLiteral("application/pdf"));
-    if (!entry) return {};
-    return QDir(at(".")).relativeFilePath(entry->path);
-  }
-
  private:
-  static constexpr const char* kVariables[] = {"XDG_CONFIG_HOME",     "XDG_CONFIG_DIRS",
-                                               "XDG_DATA_HOME",       "XDG_DATA_DIRS",
-                                               "XDG_CURRENT_DESKTOP", "PATH"};
   QTemporaryDir m_dir;
-  std::map<std::string, std::pair<bool, QByteArray>> m_saved;
+  std::vector<std::pair<bool, QByteArray>> m_saved;
 };
 
-const QByteArray kPdf = "MimeType=application/pdf;\n";
-const QString kSysApps = QStringLiteral("usr/share/applications");
-const QString kUserApps = QStringLiteral("home/.local/share/applications");
+// Shorthands for the table below.
+const QByteArray kPdfApp =
+    "[Desktop Entry]\nType=Application\nExec=v %f\nMimeType=application/pdf;\n";
+const QByteArray kOtherApp = "[Desktop Entry]\nType=Application\nExec=v %f\nMimeType=text/plain;\n";
+QByteArray defaults(const QByteArray& ids) {
+  return "[Default Applications]\napplication/pdf=" + ids + "\n";
+}
+QByteArray added(const QByteArray& ids) {
+  return "[Added Associations]\napplication/pdf=" + ids + "\n";
+}
+QByteArray removed(const QByteArray& ids) {
+  return "[Removed Associations]\napplication/pdf=" + ids + "\n";
+}
+
+struct LookupCase {
+  const char* what;
+  std::vector<std::pair<QString, QByteArray>> files;
+  const char* desktop;   // XDG_CURRENT_DESKTOP, or nullptr
+  const char* expected;  // path of the chosen entry, "" for none
+};
+
+TEST_F(MimeAppsTest, DefaultApplicationLookup) {
+  const QString sys = QStringLiteral("usr/share/applications/");
+  const QString user = QStringLiteral("home/.local/share/applications/");
+  const QString config = QStringLiteral("home/.config/");
+  const LookupCase cases[] = {
+      {"user default beats system default",
+       {{sys + "a.desktop", kPdfApp},
+        {sys + "b.desktop", kPdfApp},
+        {sys + "mimeapps.list", defaults("a.desktop")},
+        {config + "mimeapps.list", defaults("b.desktop;")}},
+       nullptr,
+       "usr/share/applications/b.desktop"},
+      {"desktop-specific file beats the plain one of its folder",
+       {{sys + "a.desktop", kPdfApp},
+        {sys + "b.desktop", kPdfApp},
+        {config + "mimeapps.list", defaults("a.desktop")},
+        {config + "kde-mimeapps.list", defaults("b.desktop")}},
+       "X-Test:KDE",
+       "usr/share/applications/b.desktop"},
+      {"desktop-specific file of another desktop is ignored",
+       {{sys + "a.desktop", kPdfApp},
+        {sys + "b.desktop", kPdfApp},
+        {config + "mimeapps.list", defaults("a.desktop")},
+        {config + "kde-mimeapps.list", defaults("b.desktop")}},
+       "GNOME",
+       "usr/share/applications/a.desktop"},
+      {"entries not installed are skipped",
+       {{sys + "ok.desktop", kPdfApp},
+        {sys + "hidden.desktop", kPdfApp + "Hidden=true\n"},
+        {sys + "tryexec.desktop", kPdfApp + "TryExec=marvento-no-such-program\n"},
+        {sys + "link.desktop", "[Desktop Entry]\nType=Link\nURL=https://example.org\n"},
+        {sys + "noexec.desktop", "[Desktop Entry]\nType=Application\nMimeType=application/pdf;\n"},
+        {config + "mimeapps.list", defaults("gone.desktop;hidden.desktop;tryexec.desktop;link."
+                                            "desktop;noexec.desktop;ok.desktop")}},
+       nullptr,
+       "usr/share/applications/ok.desktop"},
+      {"a TryExec program on PATH counts",
+       {{"bin/leser", "#!/bin/sh\n"}, {sys + "leser.desktop", kPdfApp + "TryExec=leser\n"}},
+       nullptr,
+       "usr/share/applications/leser.desktop"},
+      {"a default anywhere beats an added association",
+       {{sys + "a.desktop", kPdfApp},
+        {sys + "b.desktop", kPdfApp},
+        {config + "mimeapps.list", added("b.desktop;")},
+        {sys + "mimeapps.list", defaults("a.desktop")}},
+       nullptr,
+       "usr/share/applications/a.desktop"},
+      {"added association beats the MimeType key",
+       {{sys + "aaa.desktop", kPdfApp},
+        {sys + "zzz.desktop", kOtherApp},
+        {config + "mimeapps.list", added("zzz.desktop;")}},
+       nullptr,
+       "usr/share/applications/zzz.desktop"},
+      {"removed associations hide those of less important files",
+       {{sys + "a.desktop", kPdfApp},
+        {sys + "b.desktop", kPdfApp},
+        {sys + "c.desktop", kPdfApp},
+        {config + "mimeapps.list", removed("a.desktop;b.desktop;")},
+        {sys + "mimeapps.list", defaults("b.desktop") + added("a.desktop")}},
+       nullptr,
+       "usr/share/applications/c.desktop"},
+      {"legacy defaults.list when no mimeapps.list names a default",
+       {{sys + "a.desktop", kPdfApp},
+        {sys + "b.desktop", kPdfApp},
+        {sys + "defaults.list", defaults("b.desktop")}},
+       nullptr,
+       "usr/share/applications/b.desktop"},
+      {"mimeapps.list before the legacy defaults.list",
+       {{sys + "a.desktop", kPdfApp},
+        {sys + "b.desktop", kPdfApp},
+        {sys + "defaults.list", defaults("b.desktop")},
+        {sys + "mimeapps.list", defaults("a.desktop")}},
+       nullptr,
+       "usr/share/applications/a.desktop"},
+      {"user entry hides the system one; subfolder joins the ID with -",
+       {{sys + "leser.desktop", kPdfApp},
+        {user + "leser.desktop", "[Desktop Entry]\nType=Application\nHidden=true\n"},
+        {sys + "kde4/okular.desktop", kPdfApp},
+        {config + "mimeapps.list", defaults("leser.desktop;kde4-okular.desktop")}},
+       nullptr,
+       "usr/share/applications/kde4/okular.desktop"},
+      {"nothing associated", {{sys + "editor.desktop", kOtherApp}}, nullptr, ""},
+  };
+  for (const LookupCase& c : cases) {
+    SCOPED_TRACE(c.what);
+    // Each case gets folders of its own below a fresh root.
+    QTemporaryDir scratch;
+    const QString root = scratch.path();
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(root + "/home/.config"));
+    qputenv("XDG_CONFIG_DIRS", QFile::encodeName(root + "/etc/xdg"));
+    qputenv("XDG_DATA_HOME", QFile::encodeName(root + "/home/.local/share"));
+    qputenv("XDG_DATA_DIRS", QFile::encodeName(root + "/usr/local/share:" + root + "/usr/share"));
+    qputenv("PATH", QFile::encodeName(root + "/bin"));
+    c.desktop ? qputenv("XDG_CURRENT_DESKTOP", c.desktop) : qunsetenv("XDG_CURRENT_DESKTOP");
+    for (const auto& [path, content] : c.files) {
+      const QString full = root + "/" + path;
+      QDir().mkpath(QFileInfo(full).absolutePath());
+      QFile file(full);
+      ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+      file.write(content);
+      file.close();
+      if (path.startsWith("bin/")) file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
+    }
+    const auto entry = DefaultApplication(QStringLiteral("application/pdf"));
+    const QString chosen = entry ? QDir(root).relativeFilePath(entry->path) : QString();
+    EXPECT_EQ(chosen, QString::fromUtf8(c.expected));
+  }
+}
 
 TEST_F(MimeAppsTest, FilesInPrecedenceOrder) {
   qputenv("XDG_CURRENT_DESKTOP", "KDE:Plasma");
-  const QStringList expected = {
-      at("home/.config/kde-mimeapps.list"),
-      at("home/.config/plasma-mimeapps.list"),
-      at("home/.config/mimeapps.list"),
-      at("etc/xdg/kde-mimeapps.list"),
-      at("etc/xdg/plasma-mimeapps.list"),
-      at("etc/xdg/mimeapps.list"),
-      at(kUserApps + "/kde-mimeapps.list"),
-      at(kUserApps + "/plasma-mimeapps.list"),
-      at(kUserApps + "/mimeapps.list"),
-      at("usr/local/share/applications/kde-mimeapps.list"),
-      at("usr/local/share/applications/plasma-mimeapps.list"),
-      at("usr/local/share/applications/mimeapps.list"),
-      at(kSysApps + "/kde-mimeapps.list"),
-      at(kSysApps + "/plasma-mimeapps.list"),
-      at(kSysApps + "/mimeapps.list"),
-      at(kUserApps + "/defaults.list"),
-      at("usr/local/share/applications/defaults.list"),
-      at(kSysApps + "/defaults.list"),
-  };
+  QStringList expected;
+  const QStringList folders = {"home/.config", "etc/xdg", "home/.local/share/applications",
+                               "usr/local/share/applications", "usr/share/applications"};
+  for (const QString& folder : folders) {
+    for (const char* name : {"/kde-mimeapps.list", "/plasma-mimeapps.list", "/mimeapps.list"}) {
+      expected << at(folder + name);
+    }
+  }
+  for (const QString& folder : folders.mid(2)) expected << at(folder + "/defaults.list");
   EXPECT_EQ(MimeAppsFiles(), expected);
 }
 
-TEST_F(MimeAppsTest, UnsetVariablesFallBackToTheStandardFolders) {
+TEST_F(MimeAppsTest, UnsetOrRelativeVariablesFallBackToTheStandardFolders) {
   qunsetenv("XDG_CONFIG_DIRS");
   qunsetenv("XDG_DATA_DIRS");
   qputenv("XDG_DATA_HOME", "relative/is/ignored");
@@ -108,98 +211,6 @@ TEST_F(MimeAppsTest, UnsetVariablesFallBackToTheStandardFolders) {
             (QStringList{QDir::homePath() + "/.local/share", "/usr/local/share", "/usr/share"}));
 }
 
-TEST_F(MimeAppsTest, UserDefaultBeatsSystemDefault) {
-  app(kSysApps, "evince.desktop", kPdf);
-  app(kSysApps, "okular.desktop", kPdf);
-  write(kSysApps + "/mimeapps.list", "[Default Applications]\napplication/pdf=evince.desktop\n");
-  write("home/.config/mimeapps.list", "[Default Applications]\napplication/pdf=okular.desktop;\n");
-  EXPECT_EQ(chosen(), kSysApps + "/okular.desktop");
-}
-
-TEST_F(MimeAppsTest, DesktopSpecificDefaultBeatsPlainOne) {
-  app(kSysApps, "evince.desktop", kPdf);
-  app(kSysApps, "okular.desktop", kPdf);
-  write("home/.config/mimeapps.list", "[Default Applications]\napplication/pdf=evince.desktop\n");
-  write("home/.config/kde-mimeapps.list",
-        "[Default Applications]\napplication/pdf=okular.desktop\n");
-  EXPECT_EQ(chosen(), kSysApps + "/evince.desktop");
-  qputenv("XDG_CURRENT_DESKTOP", "KDE");
-  EXPECT_EQ(chosen(), kSysApps + "/okular.desktop");
-}
-
-TEST_F(MimeAppsTest, DefaultsThatAreNotInstalledAreSkipped) {
-  app(kSysApps, "okular.desktop", kPdf);
-  app(kSysApps, "hidden.desktop", kPdf + "Hidden=true\n");
-  app(kSysApps, "tryexec.desktop", kPdf + "TryExec=marvento-no-such-program\n");
-  write(kSysApps + "/link.desktop", "[Desktop Entry]\nType=Link\nURL=https://example.org\n");
-  write("home/.config/mimeapps.list",
-        "[Default Applications]\napplication/pdf=gone.desktop;hidden.desktop;tryexec.desktop;"
-        "link.desktop;okular.desktop;\n");
-  EXPECT_EQ(chosen(), kSysApps + "/okular.desktop");
-}
-
-TEST_F(MimeAppsTest, TryExecOnPathCounts) {
-  write("bin/leser", "#!/bin/sh\n", true);
-  app(kSysApps, "leser.desktop", kPdf + "TryExec=leser\n");
-  EXPECT_EQ(chosen(), kSysApps + "/leser.desktop");
-}
-
-TEST_F(MimeAppsTest, DefaultBeatsAddedAssociationOfAMoreImportantFile) {
-  app(kSysApps, "evince.desktop", kPdf);
-  app(kSysApps, "okular.desktop", kPdf);
-  write("home/.config/mimeapps.list", "[Added Associations]\napplication/pdf=okular.desktop;\n");
-  write(kSysApps + "/mimeapps.list", "[Default Applications]\napplication/pdf=evince.desktop\n");
-  EXPECT_EQ(chosen(), kSysApps + "/evince.desktop");
-}
-
-TEST_F(MimeAppsTest, AddedAssociationsBeforeMimeTypeKeys) {
-  app(kSysApps, "aaa.desktop", kPdf);
-  app(kSysApps, "zzz.desktop");  // does not list the type itself
-  write("home/.config/mimeapps.list", "[Added Associations]\napplication/pdf=zzz.desktop;\n");
-  EXPECT_EQ(chosen(), kSysApps + "/zzz.desktop");
-}
-
-TEST_F(MimeAppsTest, RemovedAssociationsHideLessImportantOnes) {
-  app(kSysApps, "aaa.desktop", kPdf);
-  app(kSysApps, "bbb.desktop", kPdf);
-  app(kSysApps, "ccc.desktop", kPdf);
-  write("home/.config/mimeapps.list",
-        "[Removed Associations]\napplication/pdf=aaa.desktop;bbb.desktop;\n");
-  write(kSysApps + "/mimeapps.list",
-        "[Default Applications]\napplication/pdf=bbb.desktop\n"
-        "[Added Associations]\napplication/pdf=aaa.desktop;\n");
-  EXPECT_EQ(chosen(), kSysApps + "/ccc.desktop");
-}
-
-TEST_F(MimeAppsTest, LegacyDefaultsListAfterAllMimeappsLists) {
-  app(kSysApps, "evince.desktop", kPdf);
-  app(kSysApps, "okular.desktop", kPdf);
-  write(kSysApps + "/defaults.list", "[Default Applications]\napplication/pdf=okular.desktop\n");
-  EXPECT_EQ(chosen(), kSysApps + "/okular.desktop");
-  write(kSysApps + "/mimeapps.list", "[Default Applications]\napplication/pdf=evince.desktop\n");
-  EXPECT_EQ(chosen(), kSysApps + "/evince.desktop");
-}
-
-TEST_F(MimeAppsTest, DesktopFileIdsAndShadowing) {
-  // A user's entry hides the system's entry of the same ID; a subfolder joins the ID with "-".
-  app(kSysApps, "leser.desktop", kPdf);
-  write(kUserApps + "/leser.desktop", "[Desktop Entry]\nType=Application\nHidden=true\n");
-  app(kSysApps + "/kde4", "okular.desktop", kPdf);
-  write("home/.config/mimeapps.list",
-        "[Default Applications]\napplication/pdf=leser.desktop;kde4-okular.desktop\n");
-  EXPECT_EQ(chosen(), kSysApps + "/kde4/okular.desktop");
-}
-
-TEST_F(MimeAppsTest, NothingAssociated) {
-  app(kSysApps, "editor.desktop", "MimeType=text/plain;\n");
-  EXPECT_EQ(chosen(), QString());
-}
-
-struct PathCase {
-  const char* name;
-  const char* expected;  // relative to the folder, "" for none
-};
-
 TEST_F(MimeAppsTest, FindOnPathSearchesInOrder) {
   write("bin/first/tool", "#!/bin/sh\n", true);
   write("bin/second/tool", "#!/bin/sh\n", true);
@@ -207,17 +218,14 @@ TEST_F(MimeAppsTest, FindOnPathSearchesInOrder) {
   write("bin/second/plain", "#!/bin/sh\n", true);
   QDir().mkpath(at("bin/first/folder"));
   qputenv("PATH", QFile::encodeName(at("bin/first") + "::" + at("bin/second")));
-  const PathCase cases[] = {
-      {"tool", "bin/first/tool"},
-      {"plain", "bin/second/plain"},
-      {"folder", ""},
-      {"missing", ""},
-      {"", ""},
+  const std::pair<const char*, QString> cases[] = {
+      {"tool", at("bin/first/tool")},
+      {"plain", at("bin/second/plain")},
+      {"folder", {}},
+      {"missing", {}},
+      {"", {}},
   };
-  for (const PathCase& c : cases) {
-    const QString expected = *c.expected ? at(QString::fromUtf8(c.expected)) : QString();
-    EXPECT_EQ(FindOnPath(QString::fromUtf8(c.name)), expected) << c.name;
-  }
+  for (const auto& [name, expected] : cases) EXPECT_EQ(FindOnPath(name), expected) << name;
   EXPECT_EQ(FindOnPath(at("bin/second/tool")), at("bin/second/tool"));
   EXPECT_TRUE(IsProgramFile(at("bin/first/tool")));
   EXPECT_FALSE(IsProgramFile(at("bin/first/plain")));
