@@ -1,0 +1,238 @@
+#include "platform/MimeApps.h"
+
+#include <gtest/gtest.h>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <utility>
+#include <vector>
+
+#include "platform/Programs.h"
+
+namespace marvento {
+namespace {
+
+const char* const kVariables[] = {"XDG_CONFIG_HOME", "XDG_CONFIG_DIRS",     "XDG_DATA_HOME",
+                                  "XDG_DATA_DIRS",   "XDG_CURRENT_DESKTOP", "PATH"};
+
+// Points every XDG variable and PATH into a temporary folder and restores them afterwards.
+class MimeAppsTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    for (const char* name : kVariables) {
+      m_saved.push_back({qEnvironmentVariableIsSet(name), qgetenv(name)});
+    }
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(at("home/.config")));
+    qputenv("XDG_CONFIG_DIRS", QFile::encodeName(at("etc/xdg")));
+    qputenv("XDG_DATA_HOME", QFile::encodeName(at("home/.local/share")));
+    qputenv("XDG_DATA_DIRS", QFile::encodeName(at("usr/local/share") + ':' + at("usr/share")));
+    qputenv("PATH", QFile::encodeName(at("bin")));
+    qunsetenv("XDG_CURRENT_DESKTOP");
+  }
+  void TearDown() override {
+    for (size_t i = 0; i < m_saved.size(); ++i) {
+      if (m_saved[i].first) {
+        qputenv(kVariables[i], m_saved[i].second);
+      } else {
+        qunsetenv(kVariables[i]);
+      }
+    }
+  }
+
+  QString at(const QString& relative) const { return m_dir.filePath(relative); }
+
+  void write(const QString& relative, const QByteArray& content, bool executable = false) {
+    const QString path = at(relative);
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).absolutePath()));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(content);
+    file.close();
+    if (executable) file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
+  }
+
+ private:
+  QTemporaryDir m_dir;
+  std::vector<std::pair<bool, QByteArray>> m_saved;
+};
+
+// Shorthands for the table below.
+const QByteArray kPdfApp =
+    "[Desktop Entry]\nType=Application\nExec=v %f\nMimeType=application/pdf;\n";
+const QByteArray kOtherApp = "[Desktop Entry]\nType=Application\nExec=v %f\nMimeType=text/plain;\n";
+QByteArray defaults(const QByteArray& ids) {
+  return "[Default Applications]\napplication/pdf=" + ids + "\n";
+}
+QByteArray added(const QByteArray& ids) {
+  return "[Added Associations]\napplication/pdf=" + ids + "\n";
+}
+QByteArray removed(const QByteArray& ids) {
+  return "[Removed Associations]\napplication/pdf=" + ids + "\n";
+}
+
+struct LookupCase {
+  const char* what;
+  std::vector<std::pair<QString, QByteArray>> files;
+  const char* desktop;   // XDG_CURRENT_DESKTOP, or nullptr
+  const char* expected;  // path of the chosen entry, "" for none
+};
+
+TEST_F(MimeAppsTest, DefaultApplicationLookup) {
+  const QString sys = QStringLiteral("usr/share/applications/");
+  const QString user = QStringLiteral("home/.local/share/applications/");
+  const QString config = QStringLiteral("home/.config/");
+  const LookupCase cases[] = {
+      {"user default beats system default",
+       {{sys + "a.desktop", kPdfApp},
+        {sys + "b.desktop", kPdfApp},
+        {sys + "mimeapps.list", defaults("a.desktop")},
+        {config + "mimeapps.list", defaults("b.desktop;")}},
+       nullptr,
+       "usr/share/applications/b.desktop"},
+      {"desktop-specific file beats the plain one of its folder",
+       {{sys + "a.desktop", kPdfApp},
+        {sys + "b.desktop", kPdfApp},
+        {config + "mimeapps.list", defaults("a.desktop")},
+        {config + "kde-mimeapps.list", defaults("b.desktop")}},
+       "X-Test:KDE",
+       "usr/share/applications/b.desktop"},
+      {"desktop-specific file of another desktop is ignored",
+       {{sys + "a.desktop", kPdfApp},
+        {sys + "b.desktop", kPdfApp},
+        {config + "mimeapps.list", defaults("a.desktop")},
+        {config + "kde-mimeapps.list", defaults("b.desktop")}},
+       "GNOME",
+       "usr/share/applications/a.desktop"},
+      {"entries not installed are skipped",
+       {{sys + "ok.desktop", kPdfApp},
+        {sys + "hidden.desktop", kPdfApp + "Hidden=true\n"},
+        {sys + "tryexec.desktop", kPdfApp + "TryExec=marvento-no-such-program\n"},
+        {sys + "link.desktop", "[Desktop Entry]\nType=Link\nURL=https://example.org\n"},
+        {sys + "noexec.desktop", "[Desktop Entry]\nType=Application\nMimeType=application/pdf;\n"},
+        {config + "mimeapps.list", defaults("gone.desktop;hidden.desktop;tryexec.desktop;link."
+                                            "desktop;noexec.desktop;ok.desktop")}},
+       nullptr,
+       "usr/share/applications/ok.desktop"},
+      {"a TryExec program on PATH counts",
+       {{"bin/leser", "#!/bin/sh\n"}, {sys + "leser.desktop", kPdfApp + "TryExec=leser\n"}},
+       nullptr,
+       "usr/share/applications/leser.desktop"},
+      {"a default anywhere beats an added association",
+       {{sys + "a.desktop", kPdfApp},
+        {sys + "b.desktop", kPdfApp},
+        {config + "mimeapps.list", added("b.desktop;")},
+        {sys + "mimeapps.list", defaults("a.desktop")}},
+       nullptr,
+       "usr/share/applications/a.desktop"},
+      {"added association beats the MimeType key",
+       {{sys + "aaa.desktop", kPdfApp},
+        {sys + "zzz.desktop", kOtherApp},
+        {config + "mimeapps.list", added("zzz.desktop;")}},
+       nullptr,
+       "usr/share/applications/zzz.desktop"},
+      {"removed associations hide those of less important files",
+       {{sys + "a.desktop", kPdfApp},
+        {sys + "b.desktop", kPdfApp},
+        {sys + "c.desktop", kPdfApp},
+        {config + "mimeapps.list", removed("a.desktop;b.desktop;")},
+        {sys + "mimeapps.list", defaults("b.desktop") + added("a.desktop")}},
+       nullptr,
+       "usr/share/applications/c.desktop"},
+      {"legacy defaults.list when no mimeapps.list names a default",
+       {{sys + "a.desktop", kPdfApp},
+        {sys + "b.desktop", kPdfApp},
+        {sys + "defaults.list", defaults("b.desktop")}},
+       nullptr,
+       "usr/share/applications/b.desktop"},
+      {"mimeapps.list before the legacy defaults.list",
+       {{sys + "a.desktop", kPdfApp},
+        {sys + "b.desktop", kPdfApp},
+        {sys + "defaults.list", defaults("b.desktop")},
+        {sys + "mimeapps.list", defaults("a.desktop")}},
+       nullptr,
+       "usr/share/applications/a.desktop"},
+      {"user entry hides the system one; subfolder joins the ID with -",
+       {{sys + "leser.desktop", kPdfApp},
+        {user + "leser.desktop", "[Desktop Entry]\nType=Application\nHidden=true\n"},
+        {sys + "kde4/okular.desktop", kPdfApp},
+        {config + "mimeapps.list", defaults("leser.desktop;kde4-okular.desktop")}},
+       nullptr,
+       "usr/share/applications/kde4/okular.desktop"},
+      {"nothing associated", {{sys + "editor.desktop", kOtherApp}}, nullptr, ""},
+  };
+  for (const LookupCase& c : cases) {
+    SCOPED_TRACE(c.what);
+    // Each case gets folders of its own below a fresh root.
+    QTemporaryDir scratch;
+    const QString root = scratch.path();
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(root + "/home/.config"));
+    qputenv("XDG_CONFIG_DIRS", QFile::encodeName(root + "/etc/xdg"));
+    qputenv("XDG_DATA_HOME", QFile::encodeName(root + "/home/.local/share"));
+    qputenv("XDG_DATA_DIRS", QFile::encodeName(root + "/usr/local/share:" + root + "/usr/share"));
+    qputenv("PATH", QFile::encodeName(root + "/bin"));
+    c.desktop ? qputenv("XDG_CURRENT_DESKTOP", c.desktop) : qunsetenv("XDG_CURRENT_DESKTOP");
+    for (const auto& [path, content] : c.files) {
+      const QString full = root + "/" + path;
+      QDir().mkpath(QFileInfo(full).absolutePath());
+      QFile file(full);
+      ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+      file.write(content);
+      file.close();
+      if (path.startsWith("bin/")) file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
+    }
+    const auto entry = DefaultApplication(QStringLiteral("application/pdf"));
+    const QString chosen = entry ? QDir(root).relativeFilePath(entry->path) : QString();
+    EXPECT_EQ(chosen, QString::fromUtf8(c.expected));
+  }
+}
+
+TEST_F(MimeAppsTest, FilesInPrecedenceOrder) {
+  qputenv("XDG_CURRENT_DESKTOP", "KDE:Plasma");
+  QStringList expected;
+  const QStringList folders = {"home/.config", "etc/xdg", "home/.local/share/applications",
+                               "usr/local/share/applications", "usr/share/applications"};
+  for (const QString& folder : folders) {
+    for (const char* name : {"/kde-mimeapps.list", "/plasma-mimeapps.list", "/mimeapps.list"}) {
+      expected << at(folder + name);
+    }
+  }
+  for (const QString& folder : folders.mid(2)) expected << at(folder + "/defaults.list");
+  EXPECT_EQ(MimeAppsFiles(), expected);
+}
+
+TEST_F(MimeAppsTest, UnsetOrRelativeVariablesFallBackToTheStandardFolders) {
+  qunsetenv("XDG_CONFIG_DIRS");
+  qunsetenv("XDG_DATA_DIRS");
+  qputenv("XDG_DATA_HOME", "relative/is/ignored");
+  EXPECT_EQ(ConfigDirs(), (QStringList{at("home/.config"), "/etc/xdg"}));
+  EXPECT_EQ(DataDirs(),
+            (QStringList{QDir::homePath() + "/.local/share", "/usr/local/share", "/usr/share"}));
+}
+
+TEST_F(MimeAppsTest, FindOnPathSearchesInOrder) {
+  write("bin/first/tool", "#!/bin/sh\n", true);
+  write("bin/second/tool", "#!/bin/sh\n", true);
+  write("bin/first/plain", "not executable\n");
+  write("bin/second/plain", "#!/bin/sh\n", true);
+  QDir().mkpath(at("bin/first/folder"));
+  qputenv("PATH", QFile::encodeName(at("bin/first") + "::" + at("bin/second")));
+  const std::pair<const char*, QString> cases[] = {
+      {"tool", at("bin/first/tool")},
+      {"plain", at("bin/second/plain")},
+      {"folder", {}},
+      {"missing", {}},
+      {"", {}},
+  };
+  for (const auto& [name, expected] : cases) EXPECT_EQ(FindOnPath(name), expected) << name;
+  EXPECT_EQ(FindOnPath(at("bin/second/tool")), at("bin/second/tool"));
+  EXPECT_TRUE(IsProgramFile(at("bin/first/tool")));
+  EXPECT_FALSE(IsProgramFile(at("bin/first/plain")));
+  EXPECT_FALSE(IsProgramFile(QStringLiteral("tool")));
+  qputenv("PATH", "");
+  EXPECT_EQ(FindOnPath(QStringLiteral("tool")), QString());
+}
+
+}  // namespace
+}  // namespace marvento
