@@ -14,4 +14,4 @@ add_custom_command(
 add_custom_target(marvento_manual ALL DEPENDS ${MARVENTO_MANUAL_PDF})
 add_dependencies(marvento_manual marvento)
 
-install(FILES ${MARVENTO_MANUAL_PDF} DESTINATION ${CMAKE_INSTALL_LIBDIR}/marvento)
+install(FILES ${MARVENTO_MANUAL_PDF} DESTINATION ${MARVENTO_APP_DIR})

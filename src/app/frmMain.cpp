@@ -6,6 +6,8 @@
 #include "distance/Compute.h"
 #include "distance/ReverseBearing.h"
 #include "height/HeightEvaluate.h"
+#include "help/ShowHelp.h"
+#include "help/frmAbout.h"
 #include "height/HeightReport.h"
 #include "height/HeightTable.h"
 #include "platform/CommControl.h"
@@ -397,11 +399,7 @@ void frmMain::Form_Activate() {
 void frmMain::showEvent(QShowEvent* event) {
   QMainWindow::showEvent(event);
   Form_Resize();
-  // The activation follows the first display; it is handled at the next DoEvents.
-  if (!m_activatePending) {
-    m_activatePending = true;
-    QMetaObject::invokeMethod(this, &frmMain::Form_Activate, Qt::QueuedConnection);
-  }
+  activateAfterDialog();
 }
 
 void frmMain::changeEvent(QEvent* event) {
@@ -463,9 +461,28 @@ void frmMain::mnuInfo_Click() {
   ShowAbout();
 }
 
-void frmMain::ShowHelp() {}
+void frmMain::ShowHelp() {
+  marvento::ShowHelp(QCoreApplication::applicationDirPath());
+}
 
-void frmMain::ShowAbout() {}
+void frmMain::ShowAbout() {
+  if (m_state.GpsStatus == kGpsAn) Timer1->stop();
+  {
+    frmAbout about(this);
+    about.exec();
+  }
+  activateAfterDialog();
+  QCoreApplication::processEvents();
+  if (m_state.GpsStatus == kGpsAn) SetTimerEnabled(Timer1, true);
+}
+
+void frmMain::activateAfterDialog() {
+  // Closing a modal dialog of the program activates the window; the activation runs in the
+  // next DoEvents, as after the first display.
+  if (m_activatePending) return;
+  m_activatePending = true;
+  QMetaObject::invokeMethod(this, &frmMain::Form_Activate, Qt::QueuedConnection);
+}
 
 void frmMain::HeightReport() {
   marvento::HeightReport(*m_sub->heights, tbMyLoc->text(), tbMyLg->text(), tbMyBr->text());

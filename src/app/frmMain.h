@@ -132,6 +132,7 @@ class frmMain : public QMainWindow {
   void LockEntry();
   void UnlockEntry();
   void startPoll();
+  void activateAfterDialog();
 
   Module1& m_state;
   QTimer* m_clockTimer = nullptr;
