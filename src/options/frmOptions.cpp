@@ -95,7 +95,8 @@ void frmOptions::build() {
 
   QFont bold = font();
   bold.setBold(true);
-  const QFont normal = font();
+  QFont normal = font();
+  normal.setBold(false);  // set explicitly, or the children would take the frames' bold
 
   m_Command2 = makeButton<QPushButton>(this, "Command2", QStringLiteral("&Abbrechen"),
                                        QStringLiteral(" Einstellungen bleiben unverändert "));
@@ -213,7 +214,7 @@ void frmOptions::build() {
   layout->addLayout(portRow);
   layout->addLayout(frameRow);
   layout->addLayout(bottomRow);
-  layout->setSizeConstraint(QLayout::SetFixedSize);
+  setFixedSize(sizeHint());
 
   QWidget* const tabOrder[] = {m_Command2,  m_Command1,  m_Combo3, m_Combo1,  m_Combo2,
                                m_Option1_0, m_Option1_1, m_Check1, m_Option3, m_Option4,
