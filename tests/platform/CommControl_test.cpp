@@ -2,7 +2,7 @@
 
 #include "support/Pty.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QSerialPort>
 #include <QTemporaryDir>
@@ -27,8 +27,10 @@ class QtEnvironment : public ::testing::Environment {
     }
   }
   void SetUp() override {
+    // A widget application, since other tests of this program may need one too.
     if (QCoreApplication::instance() == nullptr) {
-      m_app = std::make_unique<QCoreApplication>(m_argc, m_argv);
+      if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+      m_app = std::make_unique<QApplication>(m_argc, m_argv);
     }
   }
 
@@ -37,7 +39,7 @@ class QtEnvironment : public ::testing::Environment {
   int m_argc = 1;
   char m_name[16] = "marvento_unit";
   char* m_argv[2] = {m_name, nullptr};
-  std::unique_ptr<QCoreApplication> m_app;
+  std::unique_ptr<QApplication> m_app;
 };
 
 [[maybe_unused]] const auto* const kEnvironment =
