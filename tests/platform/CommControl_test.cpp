@@ -33,6 +33,8 @@ class QtEnvironment : public ::testing::Environment {
       m_app = std::make_unique<QApplication>(m_argc, m_argv);
     }
   }
+  // Still inside main: an application destroyed among the exit handlers crashes.
+  void TearDown() override { m_app.reset(); }
 
  private:
   QTemporaryDir m_config;
