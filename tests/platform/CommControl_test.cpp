@@ -2,7 +2,7 @@
 
 #include "support/Pty.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QSerialPort>
 #include <QTemporaryDir>
@@ -27,17 +27,21 @@ class QtEnvironment : public ::testing::Environment {
     }
   }
   void SetUp() override {
+    // A widget application, since other tests of this program may need one too.
     if (QCoreApplication::instance() == nullptr) {
-      m_app = std::make_unique<QCoreApplication>(m_argc, m_argv);
+      if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+      m_app = std::make_unique<QApplication>(m_argc, m_argv);
     }
   }
+  // Still inside main: an application destroyed among the exit handlers crashes.
+  void TearDown() override { m_app.reset(); }
 
  private:
   QTemporaryDir m_config;
   int m_argc = 1;
   char m_name[16] = "marvento_unit";
   char* m_argv[2] = {m_name, nullptr};
-  std::unique_ptr<QCoreApplication> m_app;
+  std::unique_ptr<QApplication> m_app;
 };
 
 [[maybe_unused]] const auto* const kEnvironment =
@@ -63,19 +67,15 @@ TEST(ParseLineSettings, ReadsWhatTheDialogCanProduce) {
       {"4711,e,7,2", LineSettings{4711, 'E', 7, 20}},
       {" 9600 ,O,5,1.5", LineSettings{9600, 'O', 5, 15}},
       {"9600", LineSettings{9600, 'N', 8, 10}},
-      {"2400,S", LineSettings{2400, 'S', 8, 10}},
       {",N,8,1", std::nullopt},
       {"abc,N,8,1", std::nullopt},
       {"4800.5,N,8,1", std::nullopt},
       {"48 00,N,8,1", std::nullopt},
       {"-4800,N,8,1", std::nullopt},
-      {"+4800,N,8,1", std::nullopt},
       {"0,N,8,1", std::nullopt},
       {"99999999999,N,8,1", std::nullopt},
       {"4800,X,8,1", std::nullopt},
-      {"4800,NN,8,1", std::nullopt},
       {"4800,N,9,1", std::nullopt},
-      {"4800,N,4,1", std::nullopt},
       {"4800,N,8,3", std::nullopt},
       {"4800,N,8,1,1", std::nullopt},
       {"", std::nullopt},
@@ -165,17 +165,6 @@ TEST_F(CommControlTest, SettingsThatAreNoRateFailTheOpeningOnly) {
   }
 }
 
-TEST_F(CommControlTest, MissingDeviceGives8002NamingIt) {
-  CommControl control;
-  ASSERT_TRUE(control.setCommPort(9).ok());
-  const CommResult result = control.setPortOpen(true);
-  EXPECT_EQ(result.number, comInvalidPort);
-  EXPECT_TRUE(result.description.contains(QStringLiteral("/nonexistent/marvento-test/tty9")))
-      << result.description.toStdString();
-  EXPECT_TRUE(result.description.contains(QStringLiteral("Com9")));
-  EXPECT_FALSE(control.portOpen());
-}
-
 TEST_F(CommControlTest, BusyPortGives8005) {
   Pty pty;
   CommControl control;
@@ -238,18 +227,6 @@ TEST_F(CommControlTest, InputIsLatin1AndEmptiesTheBuffer) {
   EXPECT_EQ(text[8], QChar(0xB0));
   EXPECT_EQ(control.inBufferCount(), 0);
   EXPECT_TRUE(control.input().isEmpty());
-}
-
-TEST_F(CommControlTest, InputLenLimitsOneRead) {
-  Pty pty;
-  CommControl control;
-  usePty(control, pty);
-  ASSERT_TRUE(control.setPortOpen(true).ok());
-  ASSERT_TRUE(pty.write("abcdef"));
-  for (int i = 0; i < 20 && control.inBufferCount() < 6; ++i) control.waitForInput(100);
-  control.setInputLen(4);
-  EXPECT_EQ(control.input(), QStringLiteral("abcd"));
-  EXPECT_EQ(control.input(), QStringLiteral("ef"));
 }
 
 TEST_F(CommControlTest, ClosingDropsWhatWaits) {
@@ -322,14 +299,19 @@ TEST_F(CommControlTest, WaitingEndsWhenDataArrives) {
   EXPECT_GE(control.inBufferCount(), 1);
 }
 
-TEST_F(CommControlTest, ProbingAllMissingPortsIsQuick) {
+// Missing devices are told at once, naming device and port, and never stall a scan.
+TEST_F(CommControlTest, MissingDevicesGive8002Quickly) {
   CommControl control;
   QElapsedTimer clock;
   clock.start();
   for (std::int16_t number = 1; number <= 29; ++number) {
     ASSERT_TRUE(control.setCommPort(number).ok());
-    EXPECT_EQ(control.setPortOpen(true).number, comInvalidPort) << number;
+    const CommResult result = control.setPortOpen(true);
+    EXPECT_EQ(result.number, comInvalidPort) << number;
+    EXPECT_TRUE(result.description.contains(PortDevice(number))) << number;
+    EXPECT_TRUE(result.description.contains(QStringLiteral("Com%1").arg(number))) << number;
   }
+  EXPECT_FALSE(control.portOpen());
   EXPECT_LT(clock.elapsed(), 1000);
 }
 

@@ -1,0 +1,333 @@
+#include "options/frmOptions.h"
+
+#include "options/PortList.h"
+#include "platform/CommControl.h"
+#include "platform/Format.h"
+#include "platform/Numbers.h"
+#include "platform/Settings.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFrame>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QShowEvent>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace marvento {
+
+namespace {
+
+constexpr std::array kRates = {1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200};
+constexpr std::array kIntervals = {10, 15, 20, 25, 30, 35, 40, 45, 50, 60};
+constexpr int kRateFallbackIndex = 2;  // "4800"
+
+constexpr double kTwipsPerInch = 1440.0;
+constexpr double kOffsetLeftTwips = 700.0;
+constexpr double kOffsetTopTwips = 600.0;
+
+// A stored window position in twips; a text that is no number gives the default.
+double storedTwips(const QString& key) {
+  const QString text = GetSetting(key, QStringLiteral("1000"));
+  return IsNumeric(text) ? Val(ToDotDecimal(text)) : 1000.0;
+}
+
+QComboBox* makeCombo(QWidget* parent, const char* name, const QString& toolTip) {
+  auto* combo = new QComboBox(parent);
+  combo->setObjectName(QString::fromLatin1(name));
+  combo->setEditable(true);
+  // Typing a value that is not in the list must not add it to the list.
+  combo->setInsertPolicy(QComboBox::NoInsert);
+  combo->setToolTip(toolTip);
+  return combo;
+}
+
+QLabel* makeLabel(QWidget* parent, const char* name, const QString& caption, QWidget* buddy) {
+  auto* label = new QLabel(caption, parent);
+  label->setObjectName(QString::fromLatin1(name));
+  if (buddy != nullptr) label->setBuddy(buddy);
+  return label;
+}
+
+template <typename Button>
+Button* makeButton(QWidget* parent, const char* name, const QString& caption,
+                   const QString& toolTip) {
+  auto* button = new Button(caption, parent);
+  button->setObjectName(QString::fromLatin1(name));
+  button->setToolTip(toolTip);
+  return button;
+}
+
+}  // namespace
+
+std::optional<std::int16_t> ComNumberOf(const QString& comPort) {
+  if (comPort.size() < 3) return std::nullopt;
+  return ToInt16(RoundHalfEven(Val(QStringView(comPort).mid(3))));
+}
+
+std::int32_t IntervalSecondsOf(const QString& text) {
+  // Limited before the conversion, so that no text can overflow it.
+  const double seconds = std::clamp(RoundHalfEven(Val(text)), 10.0, 65.0);
+  return static_cast<std::int32_t>(seconds);
+}
+
+frmOptions::frmOptions(Module1& state, const OptionsTargets& targets, QWidget* parent)
+    : QDialog(parent), m_state(state), m_targets(targets) {
+  build();
+  Form_Load();
+}
+
+void frmOptions::build() {
+  setObjectName(QStringLiteral("frmOptions"));
+  setWindowTitle(QStringLiteral("Grundeinstellungen Marvento"));
+  setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                 Qt::WindowCloseButtonHint | Qt::MSWindowsFixedSizeDialogHint);
+
+  QFont bold = font();
+  bold.setBold(true);
+  QFont normal = font();
+  normal.setBold(false);  // set explicitly, or the children would take the frames' bold
+
+  m_Command2 = makeButton<QPushButton>(this, "Command2", QStringLiteral("&Abbrechen"),
+                                       QStringLiteral(" Einstellungen bleiben unverändert "));
+  m_Command1 = makeButton<QPushButton>(this, "Command1", QStringLiteral("&OK"),
+                                       QStringLiteral(" Änderungen werden übernommen "));
+  m_Command1->setDefault(true);
+
+  auto* label1 = makeLabel(
+      this, "Label1", QStringLiteral("Daten vom GPS-Empfänger im NMEA 0183-Protokoll"), nullptr);
+  label1->setFont(bold);
+
+  m_Combo3 = makeCombo(this, "Combo3", QStringLiteral(" GPS-Dateninterval "));
+  auto* label4 = makeLabel(this, "Label4", QStringLiteral("all&e"), m_Combo3);
+  auto* label5 = makeLabel(this, "Label5", QStringLiteral("Sekunden"), nullptr);
+  m_Combo1 = makeCombo(this, "Combo1", QStringLiteral(" Com1...Com29 "));
+  auto* label2 = makeLabel(this, "Label2", QStringLiteral("&Schnittstelle:"), m_Combo1);
+  m_Combo2 = makeCombo(this, "Combo2", QStringLiteral(" Bit pro Sekunde "));
+  auto* label3 = makeLabel(this, "Label3", QStringLiteral("&Baudrate:"), m_Combo2);
+
+  // A groove of a white and a grey line under the top rows.
+  auto* line1 = new QFrame(this);
+  line1->setObjectName(QStringLiteral("Line1"));
+  line1->setFixedHeight(1);
+  line1->setStyleSheet(QStringLiteral("background-color: white;"));
+  auto* line2 = new QFrame(this);
+  line2->setObjectName(QStringLiteral("Line2"));
+  line2->setFixedHeight(1);
+  line2->setStyleSheet(QStringLiteral("background-color: grey;"));
+
+  auto makeFrame = [&](const char* name, const QString& caption) {
+    auto* frame = new QGroupBox(caption, this);
+    frame->setObjectName(QString::fromLatin1(name));
+    frame->setFont(bold);
+    return frame;
+  };
+  auto* frame1 = makeFrame("Frame1", QStringLiteral("GPS-Empfang"));
+  m_Option1_0 = makeButton<QRadioButton>(frame1, "Option1_0", QStringLiteral("&Ein"),
+                                         QStringLiteral(" GPS-Empfänger übermittelt Daten "));
+  m_Option1_1 = makeButton<QRadioButton>(frame1, "Option1_1", QStringLiteral("A&us"),
+                                         QStringLiteral(" GPS-Empfänger nicht aktiv "));
+  m_Check1 = makeButton<QCheckBox>(frame1, "Check1", QStringLiteral("GPS-&Zeit"),
+                                   QStringLiteral(" GPS-Zeit (Min/Sek) übernehmen "));
+  auto* frame2 = makeFrame("Frame2", QStringLiteral("Graddarstellung"));
+  m_Option3 = makeButton<QRadioButton>(frame2, "Option3", QStringLiteral("&Grd/Min/Sek"),
+                                       QStringLiteral(" in Grad, Minuten u. Sekunden "));
+  m_Option4 = makeButton<QRadioButton>(frame2, "Option4", QStringLiteral("&Dezimal"),
+                                       QStringLiteral(" Dezimal mit Komma "));
+  auto* frame3 = makeFrame("Frame3", QStringLiteral("Locatordarstellung"));
+  m_Option2_0 = makeButton<QRadioButton>(frame3, "Option2_0", QStringLiteral("&6 st."),
+                                         QStringLiteral(" normal "));
+  m_Option2_1 = makeButton<QRadioButton>(frame3, "Option2_1", QStringLiteral("&10 st."),
+                                         QStringLiteral(" hohe Genauigkeit "));
+
+  m_Text1 = new QLineEdit(this);
+  m_Text1->setObjectName(QStringLiteral("Text1"));
+  m_Text1->setMaxLength(10);
+  m_Text1->setToolTip(QStringLiteral(" Eigener Locator/Vorgabe  "));
+  auto* label6 = makeLabel(this, "Label6", QStringLiteral("My &Home - Loc:"), m_Text1);
+
+  // The frames' bold caption is not meant for what they hold.
+  for (QWidget* child : {static_cast<QWidget*>(m_Option1_0), static_cast<QWidget*>(m_Option1_1),
+                         static_cast<QWidget*>(m_Check1), static_cast<QWidget*>(m_Option3),
+                         static_cast<QWidget*>(m_Option4), static_cast<QWidget*>(m_Option2_0),
+                         static_cast<QWidget*>(m_Option2_1)}) {
+    child->setFont(normal);
+  }
+
+  auto* frame1Layout = new QVBoxLayout(frame1);
+  frame1Layout->addWidget(m_Option1_0);
+  frame1Layout->addWidget(m_Option1_1);
+  frame1Layout->addWidget(m_Check1);
+  auto* frame2Layout = new QVBoxLayout(frame2);
+  frame2Layout->addWidget(m_Option3);
+  frame2Layout->addWidget(m_Option4);
+  frame2Layout->addStretch();
+  auto* frame3Layout = new QVBoxLayout(frame3);
+  frame3Layout->addWidget(m_Option2_0);
+  frame3Layout->addWidget(m_Option2_1);
+  frame3Layout->addStretch();
+
+  auto* intervalRow = new QHBoxLayout;
+  intervalRow->addWidget(label1);
+  intervalRow->addStretch();
+  intervalRow->addWidget(label4);
+  intervalRow->addWidget(m_Combo3);
+  intervalRow->addWidget(label5);
+
+  auto* groove = new QVBoxLayout;
+  groove->setSpacing(0);
+  groove->addWidget(line2);
+  groove->addWidget(line1);
+
+  auto* portRow = new QHBoxLayout;
+  portRow->addWidget(label2);
+  portRow->addWidget(m_Combo1, 1);
+  portRow->addSpacing(16);
+  portRow->addWidget(label3);
+  portRow->addWidget(m_Combo2, 1);
+
+  auto* frameRow = new QHBoxLayout;
+  frameRow->addWidget(frame1);
+  frameRow->addWidget(frame2);
+  frameRow->addWidget(frame3);
+
+  auto* bottomRow = new QHBoxLayout;
+  bottomRow->addWidget(label6);
+  bottomRow->addWidget(m_Text1);
+  bottomRow->addStretch();
+  bottomRow->addWidget(m_Command1);
+  bottomRow->addWidget(m_Command2);
+
+  auto* layout = new QVBoxLayout(this);
+  layout->addLayout(intervalRow);
+  layout->addLayout(groove);
+  layout->addLayout(portRow);
+  layout->addLayout(frameRow);
+  layout->addLayout(bottomRow);
+  setFixedSize(sizeHint());
+
+  QWidget* const tabOrder[] = {m_Command2,  m_Command1,  m_Combo3, m_Combo1,  m_Combo2,
+                               m_Option1_0, m_Option1_1, m_Check1, m_Option3, m_Option4,
+                               m_Option2_0, m_Option2_1, m_Text1};
+  for (std::size_t i = 1; i < std::size(tabOrder); ++i) {
+    setTabOrder(tabOrder[i - 1], tabOrder[i]);
+  }
+  m_Command2->setFocus();
+
+  connect(m_Command1, &QPushButton::clicked, this, &frmOptions::Command1_Click);
+  connect(m_Command2, &QPushButton::clicked, this, &frmOptions::Command2_Click);
+}
+
+void frmOptions::Form_Load() {
+  // Placed by where the main window stood at the last exit, in twips from the store.
+  const double left = storedTwips(QStringLiteral("MainLeft")) + kOffsetLeftTwips;
+  const double top = storedTwips(QStringLiteral("MainTop")) + kOffsetTopTwips;
+  move(static_cast<int>(std::lround(left * logicalDpiX() / kTwipsPerInch)),
+       static_cast<int>(std::lround(top * logicalDpiY() / kTwipsPerInch)));
+
+  m_Text1->setText(m_state.MyHomeLoc);
+
+  for (const int rate : kRates) m_Combo2->addItem(QString::number(rate));
+  m_Combo2->addItem(QString());
+  const double rate = RoundHalfEven(Val(m_state.ComSettings));
+  int rateIndex = kRateFallbackIndex;
+  for (std::size_t i = 0; i < kRates.size(); ++i) {
+    if (rate == kRates[i]) rateIndex = static_cast<int>(i);
+  }
+  m_Combo2->setCurrentIndex(rateIndex);
+
+  for (const int seconds : kIntervals) m_Combo3->addItem(QString::number(seconds));
+  int intervalIndex = -1;
+  for (std::size_t i = 0; i < kIntervals.size(); ++i) {
+    if (m_state.GpsIntervalSeconds == kIntervals[i]) intervalIndex = static_cast<int>(i);
+  }
+  if (intervalIndex < 0) {
+    m_Combo3->addItem(Format(static_cast<int>(m_state.GpsIntervalSeconds)));
+    intervalIndex = m_Combo3->count() - 1;
+  }
+  m_Combo3->setCurrentIndex(intervalIndex);
+
+  (m_state.GpsStatus == kGpsAn ? m_Option1_0 : m_Option1_1)->setChecked(true);
+  (m_state.GradDezimal ? m_Option4 : m_Option3)->setChecked(true);
+  m_Check1->setChecked(m_state.GpsZeit);
+  (m_state.Loc10st ? m_Option2_1 : m_Option2_0)->setChecked(true);
+
+  if (m_targets.MSComm1 != nullptr) FillPortList(*m_Combo1, *m_targets.MSComm1, m_state);
+}
+
+void frmOptions::Form_Activate() {
+  // Shows the stored name and rate even where they are not in the lists.
+  m_Combo1->setEditText(m_state.ComPort);
+  m_Combo2->setEditText(Format(Val(m_state.ComSettings)));
+}
+
+void frmOptions::showEvent(QShowEvent* event) {
+  QDialog::showEvent(event);
+  if (!m_activated && !event->spontaneous()) {
+    m_activated = true;
+    Form_Activate();
+  }
+}
+
+void frmOptions::Command1_Click() {
+  const QString port = m_Combo1->currentText();
+  // A name too short to carry a number, or a number beyond 16 bits, leaves the port as it was.
+  if (const std::optional<std::int16_t> number = ComNumberOf(port)) {
+    m_state.ComPort = port;
+    m_state.ComNumber = *number;
+  }
+  m_state.ComSettings = m_Combo2->currentText() + QStringLiteral(",N,8,1");
+
+  m_state.GpsIntervalSeconds = IntervalSecondsOf(m_Combo3->currentText());
+  if (m_targets.Timer1 != nullptr) m_targets.Timer1->setInterval(m_state.GpsIntervalSeconds * 1000);
+
+  m_state.MyHomeLoc = m_Text1->text().toUpper();
+
+  if (m_Option1_0->isChecked()) {
+    m_state.GpsStatus = kGpsAn;
+    if (m_targets.Timer1 != nullptr && !m_targets.Timer1->isActive()) m_targets.Timer1->start();
+  } else {
+    m_state.GpsStatus = kGpsAus;
+    if (m_targets.Timer1 != nullptr) m_targets.Timer1->stop();
+    if (m_targets.MSComm1 != nullptr && m_targets.MSComm1->portOpen()) {
+      m_targets.MSComm1->setPortOpen(false);
+    }
+    if (m_targets.lbInfo != nullptr) m_targets.lbInfo->setText(QString());
+    if (m_targets.mainWindow != nullptr) {
+      m_targets.mainWindow->setWindowTitle(QStringLiteral("Marvento "));
+    }
+  }
+
+  const bool oldGradDezimal = m_state.GradDezimal;
+  m_state.GradDezimal = m_Option4->isChecked();
+  m_state.GpsZeit = m_Check1->isChecked();
+  const bool oldLoc10st = m_state.Loc10st;
+  m_state.Loc10st = m_Option2_1->isChecked();
+
+  // The next computation rebuilds the coordinates from the locators in the new form.
+  if (m_state.GradDezimal != oldGradDezimal || m_state.Loc10st != oldLoc10st) {
+    for (QLineEdit* field :
+         {m_targets.tbMyLg, m_targets.tbMyBr, m_targets.tbFremdLg, m_targets.tbFremdBr}) {
+      if (field != nullptr) field->clear();
+    }
+  }
+
+  SaveSetting(QStringLiteral("MyHomeLoc"), m_state.MyHomeLoc);
+  accept();
+}
+
+void frmOptions::Command2_Click() {
+  reject();
+}
+
+}  // namespace marvento

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "app/Module1.h"
+
+#include <QDialog>
+
+#include <cstdint>
+#include <optional>
+
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+class QShowEvent;
+class QTimer;
+
+namespace marvento {
+
+class CommControl;
+
+// The number behind the first three characters of a port name, rounded half to even:
+// "Com1" 1, "COM12" 12, "Xyz7" 7, "Com" 0, "Com1x" 1. Nothing for a text shorter than three
+// characters or a number outside 16 bits.
+std::optional<std::int16_t> ComNumberOf(const QString& comPort);
+
+// Poll interval in whole seconds from the text of the interval box: rounded half to even,
+// then held to 10..65 ("5" 10, "12,5" 12, "13.5" 14, "66" 65, no number 10).
+std::int32_t IntervalSecondsOf(const QString& text);
+
+// What the dialog writes in the main window when OK is pressed. Any of them may be null.
+struct OptionsTargets {
+  QTimer* Timer1 = nullptr;
+  CommControl* MSComm1 = nullptr;  // also the control the port scan probes with
+  QLabel* lbInfo = nullptr;
+  QWidget* mainWindow = nullptr;  // its caption is reset when reception is switched off
+  QLineEdit* tbMyLg = nullptr;
+  QLineEdit* tbMyBr = nullptr;
+  QLineEdit* tbFremdLg = nullptr;
+  QLineEdit* tbFremdBr = nullptr;
+};
+
+// The settings dialog "Grundeinstellungen Marvento". Building it loads the controls from
+// the state record and scans the serial ports (which may correct ComNumber and set
+// BusyPort); the first show puts the stored port name and rate into the two boxes. OK
+// writes the state record, the targets and the key "MyHomeLoc"; Abbrechen, Esc and the
+// close box change nothing.
+class frmOptions : public QDialog {
+  Q_OBJECT
+
+ public:
+  frmOptions(Module1& state, const OptionsTargets& targets, QWidget* parent = nullptr);
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+
+ private:
+  void build();
+  void Form_Load();
+  void Form_Activate();
+  void Command1_Click();
+  void Command2_Click();
+
+  Module1& m_state;
+  OptionsTargets m_targets;
+  bool m_activated = false;
+
+  QPushButton* m_Command1 = nullptr;
+  QPushButton* m_Command2 = nullptr;
+  QComboBox* m_Combo1 = nullptr;
+  QComboBox* m_Combo2 = nullptr;
+  QComboBox* m_Combo3 = nullptr;
+  QRadioButton* m_Option1_0 = nullptr;
+  QRadioButton* m_Option1_1 = nullptr;
+  QCheckBox* m_Check1 = nullptr;
+  QRadioButton* m_Option3 = nullptr;
+  QRadioButton* m_Option4 = nullptr;
+  QRadioButton* m_Option2_0 = nullptr;
+  QRadioButton* m_Option2_1 = nullptr;
+  QLineEdit* m_Text1 = nullptr;
+};
+
+}  // namespace marvento
