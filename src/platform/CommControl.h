@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 class QSerialPort;
 
@@ -17,6 +18,11 @@ enum CommError : int {
   comInvalidPort = 8002,  // no such port number or no such device
   comPortOpen = 8005,     // the port is open already, here or in another program
   comNotOpen = 8012,      // the device could not be opened
+  // Numbers of the other failures, all counted as "opened" by the port scan.
+  comPermissionDenied = 70,  // no right to open the device (not in its group)
+  comInvalidSettings = 380,  // the settings text cannot be read, e.g. "abc,N,8,1"
+  comOpenFailed = 8010,      // the device refused to open for another reason
+  comSetStateFailed = 8015,  // the device refused the rate or the line settings
 };
 
 struct CommResult {
@@ -29,6 +35,19 @@ struct CommResult {
 // /dev/ttyUSB0-9, Com19-Com28 /dev/ttyACM0-9, Com29 /dev/rfcomm0. A key "ComN" in the
 // settings group "Ports" overrides the path. Empty for a number outside 1 to 29.
 QString PortDevice(int number);
+
+// The serial parameters of a settings text "rate,parity,data bits,stop bits", such as
+// "4800,N,8,1". Parity is one of N, E, O, M, S (any case); data bits 5 to 8; stop bits 1,
+// 1.5 or 2. Missing fields after the rate take N, 8 and 1. Nothing when the rate is no whole
+// number above 0 or another field cannot be read.
+struct LineSettings {
+  std::int32_t rate = 4800;
+  char parity = 'N';
+  int dataBits = 8;
+  int stopTenths = 10;  // 10, 15 or 20
+  bool operator==(const LineSettings&) const = default;
+};
+std::optional<LineSettings> ParseLineSettings(const QString& settings);
 
 // The one serial port object of the program (MSComm1): a port chosen by number, opened
 // and closed on request, polled for what arrived. It raises no events of its own.
@@ -71,6 +90,10 @@ class CommControl : public QObject {
   QString device() const;
 
  private:
+  CommResult open();
+  // Moves what the system holds for the port into m_buffer; true when something came.
+  bool takeIn();
+
   std::unique_ptr<QSerialPort> m_port;
   QByteArray m_buffer;
   std::int16_t m_commPort = 1;
