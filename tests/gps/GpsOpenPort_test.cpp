@@ -8,10 +8,10 @@
 #include "platform/MsgBoxRecorder.h"
 #include "support/Pty.h"
 
+#include <gtest/gtest.h>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 #include <memory>
 
@@ -105,9 +105,11 @@ TEST_F(GpsOpenPortTest, TakesTheFirstWholeSentenceOfAKnownType) {
       {"burst GGA GSA GSV RMC GLL", {{kOpenMs, burst}}, kGga, burst},
       {"opened in the middle of a GGA", {{kOpenMs, midGga}}, kRmc, midGga},
       {"no RMC in the receive text", {{kOpenMs, noRmc}}, kGll, ""},
-      {"sentence split between reads", {{kOpenMs, kGsv + kGsv + kGsa + kGga.left(40)},
-                                        {50, kGga.mid(40) + kRmc + kGll + kGsv + kGsv}},
-       kGga, kGsv + kGsv + kGsa + kGga + kRmc + kGll + kGsv + kGsv},
+      {"sentence split between reads",
+       {{kOpenMs, kGsv + kGsv + kGsa + kGga.left(40)},
+        {50, kGga.mid(40) + kRmc + kGll + kGsv + kGsv}},
+       kGga,
+       kGsv + kGsv + kGsa + kGga + kRmc + kGll + kGsv + kGsv},
       // The middle chunk has no "$GP" and is dropped; the GGA is joined across the gap.
       {"chunk without $GP", {{kOpenMs, head}, {50, junk}, {50, tail}}, kGga, head + tail},
   };
@@ -152,7 +154,7 @@ TEST_F(GpsOpenPortTest, GivesUpWhenNoSentenceComesInTime) {
 
 TEST_F(GpsOpenPortTest, WaitFollowsTheRate) {
   const std::pair<double, double> cases[] = {
-      {1200, 9.98}, {2400, 7.05}, {4800, 4.99}, {9600, 3.53},
+      {1200, 9.98},  {2400, 7.05},  {4800, 4.99},  {9600, 3.53},
       {19200, 2.49}, {38400, 1.76}, {57600, 1.44}, {115200, 1.02},
   };
   for (const auto& [baud, seconds] : cases) {
@@ -168,8 +170,9 @@ TEST_F(GpsOpenPortTest, BusyPortQuestion) {
     ASSERT_TRUE(m_comm.setCommPort(5).ok());
     EXPECT_EQ(exchange(), QStringLiteral("!Bitte andere Schnittstelle auswählen"));
     ASSERT_EQ(boxes.count(), 1);
-    EXPECT_EQ(boxes.last().prompt,
-              QStringLiteral("Schnittstelle wird schon verwendet ( Mouse ? )\nTrotzdem versuchen ?"));
+    EXPECT_EQ(
+        boxes.last().prompt,
+        QStringLiteral("Schnittstelle wird schon verwendet ( Mouse ? )\nTrotzdem versuchen ?"));
     EXPECT_EQ(boxes.last().style, 49);
     EXPECT_EQ(boxes.last().title, QStringLiteral(" Achtung"));
     EXPECT_EQ(boxes.beeps(), 0);

@@ -3,8 +3,8 @@
 #include "FakeClock.h"
 #include "QtPrinters.h"
 
-#include <QLocale>
 #include <gtest/gtest.h>
+#include <QLocale>
 
 namespace marvento {
 namespace {

@@ -9,13 +9,13 @@
 #include "platform/CommControl.h"
 #include "support/Pty.h"
 
+#include <gtest/gtest.h>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocale>
-#include <gtest/gtest.h>
 
 #include <cmath>
 
@@ -81,10 +81,10 @@ TEST_F(NmeaCorpus, PositionsAgreeWithGpsd) {
       }
       const double lat = (d.latSign == u"-" ? -1 : 1) * d.lat.deg;
       const double lon = (d.lonSign == u"-" ? -1 : 1) * d.lon.deg;
-      EXPECT_NEAR(lat, tpv.value(u"lat").toDouble(), 1e-5) << path.toStdString() << ": "
-                                                           << lines[i].toStdString();
-      EXPECT_NEAR(lon, tpv.value(u"lon").toDouble(), 1e-5) << path.toStdString() << ": "
-                                                           << lines[i].toStdString();
+      EXPECT_NEAR(lat, tpv.value(u"lat").toDouble(), 1e-5)
+          << path.toStdString() << ": " << lines[i].toStdString();
+      EXPECT_NEAR(lon, tpv.value(u"lon").toDouble(), 1e-5)
+          << path.toStdString() << ": " << lines[i].toStdString();
       ++compared;
     }
   }

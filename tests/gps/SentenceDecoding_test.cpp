@@ -2,8 +2,8 @@
 
 #include "QtPrinters.h"
 
-#include <QLocale>
 #include <gtest/gtest.h>
+#include <QLocale>
 
 #include <optional>
 
@@ -49,8 +49,8 @@ TEST_F(GermanLocale, InfoLineCourseAndHowFarDecodingGoes) {
   const InfoCase cases[] = {
       {"good GGA", "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n", "",
        SentenceKind::Gga, "GPS - Antennenhöhe: 545,4 m ü. NN (8)", true, true, ""},
-      {"GGA no fix, field text kept", "$GPGGA,123519,,,,,0,07,,,,,,,*47\r\n", "",
-       SentenceKind::Gga, "Schlechter Empfang! (07)", false, false, ""},
+      {"GGA no fix, field text kept", "$GPGGA,123519,,,,,0,07,,,,,,,*47\r\n", "", SentenceKind::Gga,
+       "Schlechter Empfang! (07)", false, false, ""},
       {"GGA no fix, two sats formatted", "$GPGGA,123519,,,,,0,02,,,,,,,*47\r\n", "",
        SentenceKind::Gga, "Zu geringe Anzahl an Satteliten! (2)", false, false, ""},
       {"GGA no fix, three sats are enough", "$GPGGA,123519,,,,,0,3,,,,,,,*47\r\n", "",
@@ -60,8 +60,8 @@ TEST_F(GermanLocale, InfoLineCourseAndHowFarDecodingGoes) {
       {"GGA cut before quality", "$GPGGA,123519,4807.038,N", "", SentenceKind::Gga,
        "Zu geringe Anzahl an Satteliten! (0)", false, false, ""},
       {"GGA fix, empty position", "$GPGGA,123519,,,,,1,05,,12.0,M,,,,*47\r\n", "",
-       SentenceKind::Gga, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true,
-       false, ""},
+       SentenceKind::Gga, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true, false,
+       ""},
       {"GGA no fix skips the RMC line", "$GPGGA,123519,,,,,0,07,,,,,,,*47\r\n",
        "$GPGGA,123519,,,,,0,07,,,,,,,*47\r\n$GPRMC,123519,A,4807.038,N,01131.000,E,12.5,84.4,,,*6A"
        "\r\n$GPGLL",
@@ -71,8 +71,7 @@ TEST_F(GermanLocale, InfoLineCourseAndHowFarDecodingGoes) {
       {"RMC status a in lower case", "$GPRMC,123519,a,4807.038,N,01131.000,E,022.4,084.4*6A", "",
        SentenceKind::Rmc, kNoChange, false, false, ""},
       {"RMC valid", "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A\r\n", "",
-       SentenceKind::Rmc, kNoChange, true, true,
-       "GPS - Geschwindigkeit: 22,4 Kn  Kurs: 84,4 °"},
+       SentenceKind::Rmc, kNoChange, true, true, "GPS - Geschwindigkeit: 22,4 Kn  Kurs: 84,4 °"},
       {"RMC speed 0 clears the course line",
        "$GPRMC,123519,A,4807.038,N,01131.000,E,0.0,084.4,230394,003.1,W*6A\r\n", "",
        SentenceKind::Rmc, kNoChange, true, true, " "},
@@ -103,22 +102,22 @@ TEST_F(GermanLocale, InfoLineCourseAndHowFarDecodingGoes) {
        "$GPGGA,...\r\n$GPRMC,1\r\n$GPGSV", SentenceKind::Gga,
        "GPS - Antennenhöhe: 545,4 m ü. NN (8)", true, true, " "},
       {"longitude 0 is refused", "$GPGLL,4916.45,N,00000.0000,E,225444,A*1D\r\n", "",
-       SentenceKind::Gll, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true,
-       false, ""},
+       SentenceKind::Gll, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true, false,
+       ""},
       {"latitude 90 is refused", "$GPGLL,9000.000,N,01131.000,E,225444,A*1D\r\n", "",
-       SentenceKind::Gll, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true,
-       false, ""},
+       SentenceKind::Gll, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true, false,
+       ""},
       {"longitude 180 is refused", "$GPGLL,4807.038,N,18000.000,W,225444,A*1D\r\n", "",
-       SentenceKind::Gll, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true,
-       false, ""},
+       SentenceKind::Gll, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true, false,
+       ""},
       {"position without point is refused", "$GPGLL,4807,N,01131,E,225444,A*1D\r\n", "",
-       SentenceKind::Gll, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true,
-       false, ""},
+       SentenceKind::Gll, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true, false,
+       ""},
       {"garbage in the position", "$GPGGA,123519,xx.yy,N,#.?,E,1,08,0.9,545.4,M*47", "",
-       SentenceKind::Gga, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true,
-       false, ""},
-      {"other type", "$GPGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1*39\r\n", "",
-       SentenceKind::Other, "", false, false, ""},
+       SentenceKind::Gga, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true, false,
+       ""},
+      {"other type", "$GPGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1*39\r\n", "", SentenceKind::Other,
+       "", false, false, ""},
       {"leading blank", " $GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M*47", "",
        SentenceKind::Other, "", false, false, ""},
       {"other talker", "$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M*47", "",
@@ -234,8 +233,8 @@ TEST_F(GermanLocale, HeightSampleOnlyForAFix) {
   EXPECT_EQ(noPosition.heightSample->sats, q("12"));
   EXPECT_EQ(noPosition.info, q("GPS - Antennenhöhe: -3,25 f ü. NN (12)"));
 
-  EXPECT_FALSE(DecodeSentence(q("$GPGGA,123519,4807.038,N,01131.000,E,0,08,0.9,545.4,M"), {})
-                   .heightSample);
+  EXPECT_FALSE(
+      DecodeSentence(q("$GPGGA,123519,4807.038,N,01131.000,E,0,08,0.9,545.4,M"), {}).heightSample);
 }
 
 TEST_F(GermanLocale, RmcLineFromTheReceiveText) {

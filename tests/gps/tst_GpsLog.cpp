@@ -115,10 +115,10 @@ void TestGpsLog::whichCallsWrite_data() {
   QTest::newRow("new locator, same time: no line, compared with the old one later")
       << QStringList{"12:35:19|JO31AB", "12:35:19|JO31AC", "12:35:49|JO31AB", "12:35:49|JO31AC"}
       << QStringList{"12:35:19|JO31AB", "12:35:49|JO31AC"};
-  QTest::newRow("panel still empty") << QStringList{"|JO31AB", "12:35:19|JO31AB"}
-                                     << QStringList{"12:35:19|JO31AB"};
-  QTest::newRow("locator still empty") << QStringList{"12:35:19|", "12:35:49|JO31AB"}
-                                       << QStringList{"12:35:49|JO31AB"};
+  QTest::newRow("panel still empty")
+      << QStringList{"|JO31AB", "12:35:19|JO31AB"} << QStringList{"12:35:19|JO31AB"};
+  QTest::newRow("locator still empty")
+      << QStringList{"12:35:19|", "12:35:49|JO31AB"} << QStringList{"12:35:49|JO31AB"};
 }
 
 void TestGpsLog::whichCallsWrite() {
@@ -131,9 +131,9 @@ void TestGpsLog::whichCallsWrite() {
   }
   QByteArray expected;
   for (const QString& line : lines) {
-    expected += PrintZones({"18.11.2026", line.section(u'|', 0, 0), line.section(u'|', 1, 1)})
-                    .toUtf8() +
-                "\r\n";
+    expected +=
+        PrintZones({"18.11.2026", line.section(u'|', 0, 0), line.section(u'|', 1, 1)}).toUtf8() +
+        "\r\n";
   }
   QCOMPARE(fileBytes(), expected);
   QCOMPARE(m_lbInfo.text(), QString());
@@ -146,7 +146,9 @@ void TestGpsLog::timerAroundTheWrite() {
   m_tbMyLoc.setText(QStringLiteral("JO31ÄB"));
   m_log->WriteGpsLog();
   QVERIFY(m_timer.isActive());
-  QVERIFY(fileBytes().endsWith("JO31\xc3\x84" "B\r\n"));  // UTF-8
+  QVERIFY(
+      fileBytes().endsWith("JO31\xc3\x84"
+                           "B\r\n"));  // UTF-8
 
   // Reception off: the timer is left alone.
   m_state.GpsStatus = kGpsAus;
@@ -164,8 +166,9 @@ void TestGpsLog::unwritableFileIsToldAndRetried() {
   m_panel2.setText("12:35:19");
   m_tbMyLoc.setText("JO31AB");
   m_log->WriteGpsLog();
-  QVERIFY2(m_lbInfo.text().startsWith(QStringLiteral("Protokoll nicht schreibbar: ist ein Verzeichnis")),
-           qPrintable(m_lbInfo.text()));
+  QVERIFY2(
+      m_lbInfo.text().startsWith(QStringLiteral("Protokoll nicht schreibbar: ist ein Verzeichnis")),
+      qPrintable(m_lbInfo.text()));
   QVERIFY(m_timer.isActive());
   QCOMPARE(m_log->LastLogLoc(), QString());
 

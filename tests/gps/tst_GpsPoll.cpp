@@ -29,9 +29,12 @@ const QByteArray kGga = "$GPGGA,123519.00,4807.038,N,01131.000,E,1,08,0.9,545.4,
 const QByteArray kGgaBad = "$GPGGA,123520.00,,,,,1,04,0.9,12.0,M,46.9,M,,*47\r\n";
 const QByteArray kGsa = "$GPGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1*39\r\n";
 const QByteArray kGsv = "$GPGSV,2,1,08,01,40,083,46,02,17,308,41,12,07,344,39,14,22,228,45*75\r\n";
-const QByteArray kRmc = "$GPRMC,123519.00,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A\r\n";
-const QByteArray kRmcV = "$GPRMC,123519.00,V,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A\r\n";
-const QByteArray kRmc0 = "$GPRMC,123519.00,A,4807.038,N,01131.000,E,0.0,084.4,230394,003.1,W*6A\r\n";
+const QByteArray kRmc =
+    "$GPRMC,123519.00,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A\r\n";
+const QByteArray kRmcV =
+    "$GPRMC,123519.00,V,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A\r\n";
+const QByteArray kRmc0 =
+    "$GPRMC,123519.00,A,4807.038,N,01131.000,E,0.0,084.4,230394,003.1,W*6A\r\n";
 constexpr int kOpenMs = 60;
 
 }  // namespace
@@ -54,7 +57,8 @@ class TestGpsPoll : public QObject {
  private:
   void poll() { m_poll->poll(1, QStringLiteral("4000000,N,8,1")); }
   void feed(const QByteArray& bytes) {
-    m_feeder = std::make_unique<test::PtyFeeder>(*m_pty, std::vector<test::Piece>{{kOpenMs, bytes}});
+    m_feeder =
+        std::make_unique<test::PtyFeeder>(*m_pty, std::vector<test::Piece>{{kOpenMs, bytes}});
   }
 
   QTemporaryDir m_config;
@@ -103,9 +107,8 @@ void TestGpsPoll::init() {
   m_unlocks = 0;
   m_heights.clear();
   m_clock.set(QDateTime(QDate(2026, 11, 18), QTime(14, 22, 10)));
-  GpsPollView view{&m_lbInfo,     &m_lbKurs,    &m_tbMyLoc,  &m_tbMyLg,
-                   &m_tbMyBr,     &m_tbFremdLoc, &m_tbFremdLg, &m_tbFremdBr,
-                   &m_panel1,     &m_panel2,    &m_timer,    &m_comm};
+  GpsPollView view{&m_lbInfo,    &m_lbKurs,    &m_tbMyLoc, &m_tbMyLg, &m_tbMyBr, &m_tbFremdLoc,
+                   &m_tbFremdLg, &m_tbFremdBr, &m_panel1,  &m_panel2, &m_timer,  &m_comm};
   GpsPollHooks hooks;
   hooks.Compute = [this] {
     ++m_computes;
@@ -153,18 +156,19 @@ void TestGpsPoll::goodData_data() {
       << course << 1;
   QTest::newRow("RMC rules, no height line")
       << kRmc + kGga + kGsa + kGsv << true << QString("JO31AB")
-      << QStringList{" 11,5166666666667", " 48,1173", "JO31AB", "", ""} << QString()
-      << "12:35:19" << course << 1;
+      << QStringList{" 11,5166666666667", " 48,1173", "JO31AB", "", ""} << QString() << "12:35:19"
+      << course << 1;
   QTest::newRow("RMC status V: nothing changes")
       << kRmcV + kGga + kGsa + kGsv << true << QString() << QStringList{"", "", "", "", ""}
       << QString() << QString() << "old course" << 0;
   QTest::newRow("RMC speed 0 clears the course")
       << kRmc0 + kGga + kGsa + kGsv << true << QString("JO31AB")
-      << QStringList{" 11,5166666666667", " 48,1173", "JO31AB", "", ""} << QString()
-      << "12:35:19" << QString() << 1;
+      << QStringList{" 11,5166666666667", " 48,1173", "JO31AB", "", ""} << QString() << "12:35:19"
+      << QString() << 1;
   QTest::newRow("GGA without position: time, no fix written")
       << kGgaBad + kGsa + kGsv + kGsv << true << QString() << QStringList{"", "", "", "", ""}
-      << "Schlechter Empfang oder zu geringe Anzahl an Satteliten !" << "12:35:20"
+      << "Schlechter Empfang oder zu geringe Anzahl an Satteliten !"
+      << "12:35:20"
       << "old course" << 0;
 }
 
@@ -293,9 +297,9 @@ void TestGpsPoll::lockAndUnlock() {
   QComboBox combo;
   QAction aktion(QStringLiteral("Aktion"));
   QAction help(QStringLiteral("Hilfe"));
-  const EntryControls controls{{&toolBar, &combo, &m_tbMyLoc, &m_tbMyLg, &m_tbMyBr, &m_tbFremdLg,
-                                &m_tbFremdBr},
-                               {&aktion, &help}};
+  const EntryControls controls{
+      {&toolBar, &combo, &m_tbMyLoc, &m_tbMyLg, &m_tbMyBr, &m_tbFremdLg, &m_tbFremdBr},
+      {&aktion, &help}};
   LockEntry(controls);
   QVERIFY(QApplication::overrideCursor());
   QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
