@@ -1,0 +1,112 @@
+#include "gps/GpsLog.h"
+
+#include "app/Module1.h"
+#include "platform/Clock.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QTimer>
+
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace marvento {
+
+namespace {
+
+constexpr qsizetype kZoneWidth = 14;
+
+QString reasonFor(int error) {
+  switch (error) {
+    case EACCES:
+    case EPERM: return QStringLiteral("keine Schreibberechtigung");
+    case EROFS: return QStringLiteral("Dateisystem ist schreibgeschützt");
+    case ENOSPC: return QStringLiteral("Datenträger ist voll");
+    case EDQUOT: return QStringLiteral("Speicherkontingent ist erschöpft");
+    case EISDIR: return QStringLiteral("ist ein Verzeichnis");
+    case ENOENT: return QStringLiteral("Verzeichnis nicht gefunden");
+    default: return QString::fromLocal8Bit(std::strerror(error));
+  }
+}
+
+QString failure(int error, const QString& path) {
+  return reasonFor(error) + QStringLiteral(" (") + QDir::current().absoluteFilePath(path) + u')';
+}
+
+}  // namespace
+
+QString PrintZones(const QStringList& items) {
+  QString line;
+  for (qsizetype i = 0; i < items.size(); ++i) {
+    if (i > 0) {
+      // Columns are 1-based; the next item goes to the start of the following zone.
+      const qsizetype column = line.size() + 1;
+      const qsizetype next = ((column - 1) / kZoneWidth + 1) * kZoneWidth + 1;
+      line += QString(next - column, u' ');
+    }
+    line += items[i];
+  }
+  return line;
+}
+
+QString LogDateText(QDate date) {
+  QString format = QLocale().dateFormat(QLocale::ShortFormat);
+  // Short forms with a two-digit year would make the log ambiguous across centuries.
+  if (!format.contains(QStringLiteral("yyyy")))
+    format.replace(QStringLiteral("yy"), QStringLiteral("yyyy"));
+  return QLocale().toString(date, format);
+}
+
+std::optional<QString> AppendToFile(const QString& path, const QString& text) {
+  const QByteArray name = QFile::encodeName(path);
+  const int fd = ::open(name.constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+  if (fd < 0) return failure(errno, path);
+  const QByteArray bytes = text.toUtf8();
+  qsizetype done = 0;
+  while (done < bytes.size()) {
+    const ssize_t n =
+        ::write(fd, bytes.constData() + done, static_cast<size_t>(bytes.size() - done));
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      const int error = errno;
+      ::close(fd);
+      return failure(error, path);
+    }
+    done += n;
+  }
+  if (::close(fd) != 0) return failure(errno, path);
+  return std::nullopt;
+}
+
+GpsLog::GpsLog(Module1& state, const GpsLogView& view, Clock& clock)
+    : m_state(state), m_view(view), m_clock(clock) {}
+
+void GpsLog::WriteGpsLog() {
+  const QString dateItem = LogDateText(m_clock.date());
+  const QString timeItem = m_view.panel2 ? m_view.panel2->text() : QString();
+  const QString locItem = m_view.tbMyLoc ? m_view.tbMyLoc->text() : QString();
+  if (locItem == m_lastLogLoc || timeItem == m_lastLogTime) return;
+
+  const bool on = m_state.GpsStatus == kGpsAn;
+  if (on && m_view.Timer1) m_view.Timer1->stop();
+  const auto error =
+      AppendToFile(kFileName, PrintZones({dateItem, timeItem, locItem}) + QStringLiteral("\r\n"));
+  QCoreApplication::processEvents();
+  if (on && m_view.Timer1) m_view.Timer1->start();
+
+  if (error) {
+    if (m_view.lbInfo)
+      m_view.lbInfo->setText(QStringLiteral("Protokoll nicht schreibbar: ") + *error);
+    return;
+  }
+  m_lastLogTime = timeItem;
+  m_lastLogLoc = locItem;
+}
+
+}  // namespace marvento

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QDate>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+class QLabel;
+class QLineEdit;
+class QTimer;
+
+namespace marvento {
+
+class Clock;
+struct Module1;
+
+// Items laid out in print zones of 14 columns: each item after the first starts at the
+// beginning of the zone after the one the previous item ended in (column 14 * n + 1),
+// padded with blanks; an item that fills or overruns its zone pushes the next one on.
+QString PrintZones(const QStringList& items);
+
+// The date in the machine's short form, with four-digit years ("18.11.2026" in German).
+QString LogDateText(QDate date);
+
+// Appends text to a file, creating it if missing. Nothing on success, else a German reason.
+std::optional<QString> AppendToFile(const QString& path, const QString& text);
+
+// The controls the log reads (panel2 is the second status panel) and writes.
+struct GpsLogView {
+  QLabel* panel2 = nullptr;
+  QLineEdit* tbMyLoc = nullptr;
+  QLabel* lbInfo = nullptr;
+  QTimer* Timer1 = nullptr;
+};
+
+// The track of places passed, "GPS_Protokoll.txt" in the current directory: lines of date,
+// GPS time and locator (UTF-8, CR LF), never two in a row with the same locator or the same
+// time.
+class GpsLog {
+ public:
+  static inline const QString kFileName = QStringLiteral("GPS_Protokoll.txt");
+
+  GpsLog(Module1& state, const GpsLogView& view, Clock& clock);
+
+  // Appends a line if both the panel time and tbMyLoc differ from the last line written.
+  // Timer1 is stopped around the write while reception is on and started again after it,
+  // also when the write fails; a failure is told in lbInfo and the line is tried again at
+  // the next call.
+  void WriteGpsLog();
+
+  const QString& LastLogTime() const { return m_lastLogTime; }
+  const QString& LastLogLoc() const { return m_lastLogLoc; }
+
+ private:
+  Module1& m_state;
+  GpsLogView m_view;
+  Clock& m_clock;
+  QString m_lastLogTime;
+  QString m_lastLogLoc;
+};
+
+}  // namespace marvento

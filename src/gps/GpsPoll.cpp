@@ -1,0 +1,117 @@
+#include "gps/GpsPoll.h"
+
+#include "app/Module1.h"
+#include "gps/EntryLock.h"
+#include "gps/GpsOpenPort.h"
+#include "gps/GpsTime.h"
+#include "gps/SentenceDecoding.h"
+#include "platform/CommControl.h"
+#include "platform/MsgBox.h"
+
+#include <QCoreApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTimer>
+
+#include <algorithm>
+#include <limits>
+
+namespace marvento {
+
+namespace {
+
+// Empty once blanks at both ends are cut off (blanks only, not tabs).
+bool onlyBlanks(const QString& text) {
+  return std::all_of(text.begin(), text.end(), [](QChar c) { return c == u' '; });
+}
+
+}  // namespace
+
+GpsPoll::GpsPoll(Module1& state, const GpsPollView& view, GpsPollHooks hooks, Clock& clock)
+    : m_state(state), m_view(view), m_hooks(std::move(hooks)), m_clock(clock) {}
+
+void GpsPoll::poll(std::int16_t port, const QString& settings) {
+  ++m_depth;
+  QString rawBuffer;
+  QString result = m_view.MSComm1 ? GpsOpenPort(*m_view.MSComm1, m_state, m_view.lbInfo, port,
+                                                settings, rawBuffer)
+                                  : QStringLiteral("!Keine Schnittstelle");
+  QCoreApplication::processEvents();
+
+  QString kursText;
+  if (result.startsWith(u'!')) {
+    failure(result.mid(1));
+  } else if (!result.isEmpty()) {
+    data(result, rawBuffer, kursText);
+  }
+
+  if (m_view.lbKurs) {
+    const QString panelTime = m_view.panel2 ? m_view.panel2->text() : QString();
+    if (const auto line = CourseLine(kursText, panelTime)) m_view.lbKurs->setText(*line);
+  }
+  if (m_hooks.UnlockEntry) m_hooks.UnlockEntry();
+  ResetMousePointer();
+  --m_depth;
+}
+
+void GpsPoll::failure(QString reason) {
+  const int maxTries = m_state.GpsDataSeen ? 6 : 3;
+  // A count that no longer fits is a dropped step, as everywhere in the poll.
+  if (m_gpsTries < std::numeric_limits<std::int16_t>::max()) ++m_gpsTries;
+  if (m_view.lbInfo) {
+    m_view.lbInfo->setText(QString::number(m_gpsTries) + QStringLiteral(". Versuch/") +
+                           QString::number(maxTries) + QStringLiteral(" : ") + reason);
+  }
+  if (m_gpsTries < maxTries) return;
+
+  if (m_view.lbInfo) m_view.lbInfo->clear();
+  m_state.GpsStatus = kGpsAus;
+  ResetMousePointer();
+  if (m_view.Timer1 && m_view.Timer1->isActive()) m_view.Timer1->stop();
+  if (m_view.panel1) {
+    m_view.panel1->setText(QStringLiteral("Status: ") + m_state.GpsStatus + QStringLiteral(" (") +
+                           m_state.ComPort + u')');
+  }
+  MsgBox(QStringLiteral("GPS-Datenübertragungsfehler:\n") + reason +
+             QStringLiteral("\nGPS-Empfang wurde deaktiviert !"),
+         vbExclamation, QStringLiteral(" Fehler"));
+  if (m_view.MSComm1 && m_view.MSComm1->portOpen()) m_view.MSComm1->setPortOpen(false);
+  m_state.GpsDataSeen = false;
+}
+
+void GpsPoll::data(const QString& sentence, const QString& rawBuffer, QString& kursText) {
+  m_gpsTries = 0;
+  m_state.GpsDataSeen = true;
+
+  const DecodedSentence d = DecodeSentence(sentence, rawBuffer);
+  if (d.heightSample && m_state.GpsStatus == kGpsAn && m_hooks.HeightSample) {
+    m_hooks.HeightSample(d.heightSample->alt, d.heightSample->unit, d.heightSample->sats);
+  }
+  if (d.info && m_view.lbInfo) m_view.lbInfo->setText(*d.info);
+  if (!d.timeAndPosition) {
+    kursText = d.kursText;
+    return;
+  }
+
+  if (d.hasTime()) {
+    const QString shown = ApplyGpsTime(d.utcText, m_state.GpsZeit, m_clock);
+    if (m_view.panel2) m_view.panel2->setText(shown);
+  }
+
+  if (!d.positionGood) {
+    if (m_view.lbInfo) m_view.lbInfo->setText(kBadPositionText);
+  } else {
+    if (m_view.tbMyLg) m_view.tbMyLg->setText(d.lgText(m_state.GradDezimal));
+    if (m_view.tbMyBr) m_view.tbMyBr->setText(d.brText(m_state.GradDezimal));
+    if (m_view.tbFremdLoc && onlyBlanks(m_view.tbFremdLoc->text())) {
+      const Placeholders p = RemotePlaceholders(m_state.GradDezimal);
+      m_view.tbFremdLoc->setText(p.loc);
+      if (m_view.tbFremdLg) m_view.tbFremdLg->setText(p.lg);
+      if (m_view.tbFremdBr) m_view.tbFremdBr->setText(p.br);
+    }
+    if (m_hooks.Compute) m_hooks.Compute();
+  }
+  kursText = d.kursText;
+}
+
+}  // namespace marvento

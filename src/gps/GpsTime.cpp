@@ -1,0 +1,61 @@
+#include "gps/GpsTime.h"
+
+#include "platform/Clock.h"
+#include "platform/Format.h"
+#include "platform/Numbers.h"
+
+#include <QCoreApplication>
+
+#include <cmath>
+
+namespace marvento {
+
+UtcTimeParts SplitUtc(const QString& utcText) {
+  UtcTimeParts parts;
+  const qsizetype length = utcText.size();
+  // 1-based position of the first point, 0 without one.
+  const qsizetype dot = utcText.indexOf(u'.') + 1;
+  const qsizetype secLength = length - dot + 3;
+  parts.secRaw = secLength >= length ? utcText : utcText.right(secLength);
+  parts.secText = Format(Val(parts.secRaw), u"00");
+  // A start before the first character, or a negative length, is a skipped step.
+  if (dot - 4 >= 1) parts.minText = utcText.mid(dot - 5, 2);
+  if (dot - 5 >= 0) parts.hourText = utcText.left(dot - 5);
+  parts.shown = parts.hourText + u':' + parts.minText + u':' + parts.secText;
+  return parts;
+}
+
+std::optional<QTime> CorrectedTime(const UtcTimeParts& utc, QTime pcTime) {
+  const QString pcHourText = pcTime.toString(QStringLiteral("hh"));
+  const QString pcSecText = pcTime.toString(QStringLiteral("ss"));
+  const float pcSec = static_cast<float>(Val(pcSecText));
+  float secDiff = 0.0f;
+  if (pcSec > 0) secDiff = static_cast<float>(Val(ToDotDecimal(utc.secRaw)) - pcSec);
+  const auto hour = ToInt16(Val(pcHourText));
+  if (!(std::fabs(secDiff) >= 0.5f) || !hour || *hour <= 0) return std::nullopt;
+
+  const double pcSecAgain = Val(ToDotDecimal(Format(pcSec)));
+  const float newSec = static_cast<float>(pcSecAgain + secDiff + 0.2);
+  if (!(newSec >= 0.0f && newSec < 60.0f)) return std::nullopt;
+
+  const auto minute = ToInt16(Val(utc.minText));
+  const auto second = ToInt16(Val(Format(newSec, u"00")));
+  if (!minute || !second) return std::nullopt;
+  // Carry over as a time serial does, and keep the time of day only.
+  int total = (*hour * 3600 + *minute * 60 + *second) % 86400;
+  if (total < 0) total += 86400;
+  return QTime(0, 0).addSecs(total);
+}
+
+QString ApplyGpsTime(const QString& utcText, bool gpsZeit, Clock& clock) {
+  const UtcTimeParts utc = SplitUtc(utcText);
+  if (gpsZeit) {
+    if (const auto target = CorrectedTime(utc, clock.time())) {
+      clock.setTimeOfDay(*target);
+      QCoreApplication::processEvents();
+    }
+  }
+  return utc.shown;
+}
+
+}  // namespace marvento

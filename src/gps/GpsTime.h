@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+#include <QTime>
+
+#include <optional>
+
+namespace marvento {
+
+class Clock;
+
+// The UTC field hhmmss.ss taken apart for the status panel. Without a point, or with one
+// too far left, minutes and hours stay empty: "123519" gives secRaw "123519" and shown
+// "::123519".
+struct UtcTimeParts {
+  QString secRaw;    // two digits, the point and the fraction: "19.00"
+  QString secText;   // secRaw rounded to whole seconds, at least two digits: "19", "60"
+  QString minText;   // "35"
+  QString hourText;  // "12"
+  QString shown;     // "12:35:19"
+};
+UtcTimeParts SplitUtc(const QString& utcText);
+
+// The time of day the clock is to be set to: its own hour, minute and second from GPS (the
+// seconds of the sentence plus 0.2, rounded), or nothing when the seconds of the clock
+// differ by less than 0.5, the clock's seconds or hour read 00, or the new seconds fall
+// outside [0, 60). A second value of 60 carries into the next minute.
+std::optional<QTime> CorrectedTime(const UtcTimeParts& utc, QTime pcTime);
+
+// The time step of a poll for a numeric UTC field: corrects the clock if gpsZeit is set
+// (silently giving up when the system refuses) and returns the text for the second panel.
+QString ApplyGpsTime(const QString& utcText, bool gpsZeit, Clock& clock);
+
+}  // namespace marvento

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "gps/NmeaSentences.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace marvento {
+
+inline const QString kBadPositionText =
+    QStringLiteral("Schlechter Empfang oder zu geringe Anzahl an Satteliten !");
+
+enum class SentenceKind { Other, Gga, Rmc, Gll };
+
+// What the height table is given for a GGA sentence with a fix: the height and unit fields
+// as they stand, the satellite count in "#0".
+struct HeightSampleTexts {
+  QString alt;
+  QString unit;
+  QString sats;
+};
+
+// Everything one poll learns from its sentence, before any control is touched.
+struct DecodedSentence {
+  SentenceKind kind = SentenceKind::Other;
+  // lbInfo after the type's own steps; nothing means lbInfo stays as it is (empty, since
+  // the exchange has just cleared it).
+  std::optional<QString> info;
+  std::optional<HeightSampleTexts> heightSample;
+  // Decoding went on to time and position (valid status, or a GGA fix).
+  bool timeAndPosition = false;
+  QString utcText;
+  AxisParts lat;
+  AxisParts lon;
+  QString latSign;  // " " for "N", "-" for anything else
+  QString lonSign;  // " " for "E", "-" for anything else
+  bool positionGood = false;
+  // Empty: lbKurs stays; one blank: lbKurs is cleared; else the course line without time.
+  QString kursText;
+  QString rmcLine;
+
+  // Whether the time step runs: a non-empty, numeric UTC field behind a passed test.
+  bool hasTime() const;
+  // lbInfo once decoding is over: the range message replaces what the type wrote.
+  std::optional<QString> finalInfo() const;
+  // tbMyLg / tbMyBr text: signed decimal degrees in the general form, or
+  // sign, degrees "° ", minutes "' ", seconds and a double quote.
+  QString lgText(bool gradDezimal) const;
+  QString brText(bool gradDezimal) const;
+};
+
+// Decodes the ruling sentence of a poll. `rawBuffer` is the whole receive text when it held
+// an RMC sentence (for speed and course behind a GGA or GLL), else empty.
+DecodedSentence DecodeSentence(const QString& sentence, const QString& rawBuffer);
+
+// The RMC sentence out of the receive text: from "$GPRMC" up to the next "$G", or empty when
+// either is missing.
+QString FindRmcLine(const QString& rawBuffer);
+
+// The dummy remote station written when tbFremdLoc is empty: the south-west corner of the
+// grid. The comma is fixed text whatever the decimal sign.
+struct Placeholders {
+  QString loc;
+  QString lg;
+  QString br;
+};
+Placeholders RemotePlaceholders(bool gradDezimal);
+
+// "GPS - Antennenhöhe: 545,4 m ü. NN (8)" from the formatted height and satellite texts.
+QString HeightLine(const QString& altText, const QString& satText);
+
+// The new caption of lbKurs for a KursText and the time in the second status panel;
+// nothing when lbKurs keeps its line.
+std::optional<QString> CourseLine(const QString& kursText, const QString& panelTime);
+
+}  // namespace marvento

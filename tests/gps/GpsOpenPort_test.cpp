@@ -1,0 +1,253 @@
+#include "gps/GpsOpenPort.h"
+
+#include "PtyFeeder.h"
+#include "QtPrinters.h"
+#include "app/Module1.h"
+#include "gps/SentenceDecoding.h"
+#include "platform/CommControl.h"
+#include "platform/MsgBoxRecorder.h"
+#include "support/Pty.h"
+
+#include <gtest/gtest.h>
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+
+#include <memory>
+
+namespace marvento {
+namespace {
+
+using test::Piece;
+using test::Pty;
+using test::PtyFeeder;
+
+// The serial port needs an application object, and the port map a private settings folder.
+class GpsQtEnvironment : public ::testing::Environment {
+ public:
+  GpsQtEnvironment() {
+    if (qEnvironmentVariableIsEmpty("XDG_CONFIG_HOME")) {
+      qputenv("XDG_CONFIG_HOME", m_config.path().toLocal8Bit());
+    }
+  }
+  void SetUp() override {
+    if (QCoreApplication::instance() == nullptr) {
+      m_app = std::make_unique<QCoreApplication>(m_argc, m_argv);
+    }
+  }
+
+ private:
+  QTemporaryDir m_config;
+  int m_argc = 1;
+  char m_name[16] = "marvento_unit";
+  char* m_argv[2] = {m_name, nullptr};
+  std::unique_ptr<QCoreApplication> m_app;
+};
+
+[[maybe_unused]] const auto* const kEnvironment =
+    ::testing::AddGlobalTestEnvironment(new GpsQtEnvironment);
+
+const QByteArray kGga = "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n";
+const QByteArray kGsa = "$GPGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1*39\r\n";
+const QByteArray kGsv = "$GPGSV,2,1,08,01,40,083,46,02,17,308,41,12,07,344,39,14,22,228,45*75\r\n";
+const QByteArray kRmc = "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A\r\n";
+const QByteArray kGll = "$GPGLL,4916.45,N,12311.12,W,225444,A*1D\r\n";
+
+// A pseudo-terminal ignores the rate, so a high one keeps the waits short: 0.17 s, 0.36 s.
+const QString kFast = QStringLiteral("4000000,N,8,1");
+const QString kMedium = QStringLiteral("921600,N,8,1");
+// What is written before the port is open may be dropped by the opening.
+constexpr int kOpenMs = 60;
+// 1.76 s, longer than the 0.864 s an exchange runs on after other "$GP" sentences.
+const QString kSlow = QStringLiteral("38400,N,8,1");
+
+class GpsOpenPortTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    test::SetNoPortDevices();
+    ASSERT_TRUE(m_pty.ok());
+    test::SetPortDevice(1, m_pty.path());
+    m_state.BusyPort = 0;
+  }
+  void TearDown() override { test::ClearPortDevices(); }
+
+  QString exchange(const QString& settings = kFast, std::int16_t port = 1) {
+    QElapsedTimer timer;
+    timer.start();
+    m_raw = QStringLiteral("left over");
+    const QString result = GpsOpenPort(m_comm, m_state, nullptr, port, settings, m_raw);
+    m_elapsedMs = timer.elapsed();
+    return result;
+  }
+
+  Pty m_pty;
+  CommControl m_comm;
+  Module1 m_state;
+  QString m_raw;
+  qint64 m_elapsedMs = 0;
+};
+
+struct StreamCase {
+  const char* name;
+  std::vector<Piece> pieces;
+  QByteArray result;
+  QByteArray raw;
+};
+
+TEST_F(GpsOpenPortTest, TakesTheFirstWholeSentenceOfAKnownType) {
+  const QByteArray burst = kGga + kGsa + kGsv + kRmc + kGll;
+  const QByteArray midGga = kGga.mid(30) + kGsa + kRmc + kGll + kGsv;
+  const QByteArray noRmc = kGsv + kGll + kGsa + kGga + kGsv;
+  const QByteArray head = kGsv + kGsv + kGsa + kGsa + "$GPGGA,1235";
+  const QByteArray junk = QByteArray("$GNGSA,A,3,,,,,,,,,,,,,1.0,1.0,1.0*00\r\n").repeated(8);
+  const QByteArray tail = kGga.mid(11) + kRmc + kGll + kGsv;
+  const StreamCase cases[] = {
+      {"burst GGA GSA GSV RMC GLL", {{kOpenMs, burst}}, kGga, burst},
+      {"opened in the middle of a GGA", {{kOpenMs, midGga}}, kRmc, midGga},
+      {"no RMC in the receive text", {{kOpenMs, noRmc}}, kGll, ""},
+      {"sentence split between reads",
+       {{kOpenMs, kGsv + kGsv + kGsa + kGga.left(40)},
+        {50, kGga.mid(40) + kRmc + kGll + kGsv + kGsv}},
+       kGga,
+       kGsv + kGsv + kGsa + kGga + kRmc + kGll + kGsv + kGsv},
+      // The middle chunk has no "$GP" and is dropped; the GGA is joined across the gap.
+      {"chunk without $GP", {{kOpenMs, head}, {50, junk}, {50, tail}}, kGga, head + tail},
+  };
+  for (const StreamCase& c : cases) {
+    SCOPED_TRACE(c.name);
+    PtyFeeder feeder(m_pty, c.pieces);
+    EXPECT_EQ(exchange(kMedium), QString::fromLatin1(c.result));
+    EXPECT_EQ(m_raw, QString::fromLatin1(c.raw));
+    EXPECT_FALSE(m_comm.portOpen());
+  }
+}
+
+struct TimeoutCase {
+  const char* name;
+  QString settings;
+  std::vector<Piece> pieces;
+  int minMs;
+  int maxMs;
+};
+
+TEST_F(GpsOpenPortTest, GivesUpWhenNoSentenceComesInTime) {
+  const QByteArray gsv4 = kGsv.repeated(4);
+  const TimeoutCase cases[] = {
+      {"silence", kFast, {}, 165, 600},
+      {"only 150 characters", kMedium, {{kOpenMs, kGga + kRmc + kGll.left(13)}}, 355, 800},
+      {"RMC without a successor", kMedium, {{kOpenMs, kGsv + kGsv + kGsa + kRmc}}, 355, 800},
+      // Other "$GP" sentences move the deadline to 0.864 s after the chunk...
+      {"one chunk of other sentences", kSlow, {{kOpenMs, gsv4}}, 900, 1500},
+      // ...but never beyond the first deadline, however long the stream lasts.
+      {"endless other sentences", kSlow, test::Repeat(gsv4, 100, 4000), 1700, 2400},
+  };
+  for (const TimeoutCase& c : cases) {
+    SCOPED_TRACE(c.name);
+    PtyFeeder feeder(m_pty, c.pieces);
+    EXPECT_EQ(exchange(c.settings), QStringLiteral("!Zur Zeit kein GPS-Empfang"));
+    EXPECT_TRUE(m_raw.isEmpty());
+    EXPECT_GE(m_elapsedMs, c.minMs);
+    EXPECT_LE(m_elapsedMs, c.maxMs);
+    EXPECT_FALSE(m_comm.portOpen());
+  }
+}
+
+TEST_F(GpsOpenPortTest, WaitFollowsTheRate) {
+  const std::pair<double, double> cases[] = {
+      {1200, 9.98},  {2400, 7.05},  {4800, 4.99},  {9600, 3.53},
+      {19200, 2.49}, {38400, 1.76}, {57600, 1.44}, {115200, 1.02},
+  };
+  for (const auto& [baud, seconds] : cases) {
+    EXPECT_NEAR(ExchangeWaitMs(baud) / 1000.0, seconds, 0.005) << baud;
+  }
+}
+
+TEST_F(GpsOpenPortTest, BusyPortQuestion) {
+  {
+    MsgBoxRecorder boxes;
+    boxes.answer(vbCancel);
+    m_state.BusyPort = 1;
+    ASSERT_TRUE(m_comm.setCommPort(5).ok());
+    EXPECT_EQ(exchange(), QStringLiteral("!Bitte andere Schnittstelle auswählen"));
+    ASSERT_EQ(boxes.count(), 1);
+    EXPECT_EQ(
+        boxes.last().prompt,
+        QStringLiteral("Schnittstelle wird schon verwendet ( Mouse ? )\nTrotzdem versuchen ?"));
+    EXPECT_EQ(boxes.last().style, 49);
+    EXPECT_EQ(boxes.last().title, QStringLiteral(" Achtung"));
+    EXPECT_EQ(boxes.beeps(), 0);
+    // The port has not been touched.
+    EXPECT_EQ(m_comm.commPort(), 5);
+    EXPECT_FALSE(m_comm.portOpen());
+    EXPECT_LT(m_elapsedMs, 100);
+  }
+  {
+    MsgBoxRecorder boxes;
+    boxes.answer(vbOK);
+    PtyFeeder feeder(m_pty, {{kOpenMs, kGga + kGsa + kGsv + kRmc}});
+    EXPECT_EQ(exchange(), QString::fromLatin1(kGga));
+    EXPECT_EQ(boxes.count(), 1);
+  }
+  {
+    // Port 0 and no port found busy: the two are equal, so the question comes.
+    MsgBoxRecorder boxes;
+    m_state.BusyPort = 0;
+    const QString result = exchange(kFast, 0);
+    EXPECT_EQ(boxes.count(), 1);
+    EXPECT_TRUE(result.startsWith(u'!'));
+    EXPECT_NE(result, QStringLiteral("!Zur Zeit kein GPS-Empfang"));
+  }
+}
+
+TEST_F(GpsOpenPortTest, PortStates) {
+  MsgBoxRecorder boxes;
+  {
+    SCOPED_TRACE("no such device: the control's own text");
+    test::SetPortDevice(2, QStringLiteral("/nonexistent/marvento-test/gps"));
+    const QString result = exchange(kFast, 2);
+    EXPECT_TRUE(result.startsWith(QStringLiteral("!Das Gerät"))) << result.toStdString();
+    EXPECT_LT(m_elapsedMs, 100);
+  }
+  {
+    SCOPED_TRACE("settings that cannot be read");
+    const QString result = exchange(QStringLiteral("abc,N,8,1"));
+    EXPECT_TRUE(result.startsWith(QStringLiteral("!Ungültige"))) << result.toStdString();
+    EXPECT_FALSE(m_comm.portOpen());
+  }
+  {
+    SCOPED_TRACE("left open by an earlier exchange: used again");
+    ASSERT_TRUE(m_comm.setCommPort(1).ok());
+    m_comm.setSettings(kFast);
+    ASSERT_TRUE(m_comm.setPortOpen(true).ok());
+    PtyFeeder feeder(m_pty, {{kOpenMs, kRmc + kGga + kGsa + kGsv}});
+    EXPECT_EQ(exchange(), QString::fromLatin1(kRmc));
+    EXPECT_FALSE(m_comm.portOpen());
+  }
+  {
+    SCOPED_TRACE("held by another program: wrong data");
+    CommControl other;
+    ASSERT_TRUE(other.setCommPort(1).ok());
+    ASSERT_TRUE(other.setPortOpen(true).ok());
+    EXPECT_EQ(exchange(), QStringLiteral("!Falsche Daten empfangen"));
+    EXPECT_LT(m_elapsedMs, 150);
+  }
+  EXPECT_EQ(boxes.count(), 0);
+}
+
+TEST(SentenceScanner, PositionsDoNotDependOnChunks) {
+  const QByteArray stream = "ON,*47\r\n" + kGsv + kGll + kRmc + kGga;
+  for (int size = 1; size <= stream.size(); size += 7) {
+    SentenceScanner scanner;
+    SentenceScanner::Step step = SentenceScanner::Step::NoKnownType;
+    qsizetype fed = 0;
+    for (; fed < stream.size() && step != SentenceScanner::Step::Found; fed += size) {
+      step = scanner.add(QString::fromLatin1(stream.mid(fed, size)));
+    }
+    ASSERT_EQ(step, SentenceScanner::Step::Found) << size;
+    EXPECT_EQ(scanner.sentence(), QString::fromLatin1(kGll)) << size;
+    EXPECT_EQ(scanner.rawBuffer().contains(u"$GPRMC"), fed > stream.indexOf("$GPRMC") + 5);
+  }
+}
+
+}  // namespace
+}  // namespace marvento

@@ -1,0 +1,163 @@
+// Captures of real receivers (the gpsd regression logs) run through the decoder and through
+// the serial exchange. The .chk file of each capture holds every sentence gpsd accepted,
+// followed by the report it made from it; its positions are the reference here.
+
+#include "PtyFeeder.h"
+#include "app/Module1.h"
+#include "gps/GpsOpenPort.h"
+#include "gps/SentenceDecoding.h"
+#include "platform/CommControl.h"
+#include "support/Pty.h"
+
+#include <gtest/gtest.h>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLocale>
+
+#include <cmath>
+
+namespace marvento {
+namespace {
+
+QString corpusDir() {
+#ifdef MARVENTO_NMEA_CORPUS
+  return QStringLiteral(MARVENTO_NMEA_CORPUS);
+#else
+  return {};
+#endif
+}
+
+QStringList corpusFiles(const QString& pattern) {
+  const QDir dir(corpusDir());
+  if (corpusDir().isEmpty() || !dir.exists()) return {};
+  QStringList files;
+  for (const QString& name : dir.entryList({pattern}, QDir::Files, QDir::Name)) {
+    files << dir.filePath(name);
+  }
+  return files;
+}
+
+QByteArray readAll(const QString& path) {
+  QFile file(path);
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool knownSentence(const QString& line) {
+  return line.startsWith(u"$GPGGA,") || line.startsWith(u"$GPRMC,") || line.startsWith(u"$GPGLL,");
+}
+
+class NmeaCorpus : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    m_saved = QLocale();
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    if (corpusFiles(QStringLiteral("*.log")).isEmpty()) {
+      GTEST_SKIP() << "NMEA captures not found at '" << corpusDir().toStdString()
+                   << "'; the receiver replays are skipped";
+    }
+  }
+  void TearDown() override { QLocale::setDefault(m_saved); }
+
+ private:
+  QLocale m_saved;
+};
+
+TEST_F(NmeaCorpus, PositionsAgreeWithGpsd) {
+  int compared = 0;
+  int refused = 0;
+  for (const QString& path : corpusFiles(QStringLiteral("*.chk"))) {
+    const QStringList lines = QString::fromLatin1(readAll(path)).split(u'\n');
+    for (qsizetype i = 0; i + 1 < lines.size(); ++i) {
+      if (!knownSentence(lines[i]) || !lines[i + 1].startsWith(u"{\"class\":\"TPV\"")) continue;
+      const QJsonObject tpv = QJsonDocument::fromJson(lines[i + 1].toUtf8()).object();
+      if (!tpv.contains(u"lat") || !tpv.contains(u"lon")) continue;
+      const DecodedSentence d = DecodeSentence(lines[i] + QStringLiteral("\r\n"), {});
+      if (!d.positionGood) {
+        ++refused;
+        continue;
+      }
+      const double lat = (d.latSign == u"-" ? -1 : 1) * d.lat.deg;
+      const double lon = (d.lonSign == u"-" ? -1 : 1) * d.lon.deg;
+      EXPECT_NEAR(lat, tpv.value(u"lat").toDouble(), 1e-5)
+          << path.toStdString() << ": " << lines[i].toStdString();
+      EXPECT_NEAR(lon, tpv.value(u"lon").toDouble(), 1e-5)
+          << path.toStdString() << ": " << lines[i].toStdString();
+      ++compared;
+    }
+  }
+  RecordProperty("compared", compared);
+  RecordProperty("refused", refused);
+  EXPECT_GT(compared, 300);
+}
+
+// Every line of every capture, binary parts included, decodes without harm, and what the
+// decoder calls a good position is one.
+TEST_F(NmeaCorpus, EveryLineDecodes) {
+  int good = 0;
+  for (const QString& path : corpusFiles(QStringLiteral("*.log"))) {
+    const QString text = QString::fromLatin1(readAll(path));
+    for (const QString& line : text.split(u'\n')) {
+      const DecodedSentence d = DecodeSentence(line, text);
+      if (!d.positionGood) continue;
+      ++good;
+      EXPECT_GT(std::fabs(d.lat.deg), 1e-7);
+      EXPECT_LT(std::fabs(d.lat.deg), 90.0);
+      EXPECT_LT(std::fabs(d.lon.deg), 180.0);
+      EXPECT_TRUE(knownSentence(line)) << line.toStdString();
+    }
+  }
+  EXPECT_GT(good, 300);
+}
+
+// The captures replayed through a pseudo-terminal, exchange after exchange: every exchange
+// ends in time with a known sentence or a failure text.
+TEST_F(NmeaCorpus, ExchangeOverAPseudoTerminal) {
+  const QString settings = QStringLiteral("4000000,N,8,1");
+  const double limitMs = ExchangeWaitMs(4000000) + 500;
+  test::SetNoPortDevices();
+  int sentences = 0;
+  int filesWithSentences = 0;
+  for (const QString& path : corpusFiles(QStringLiteral("*.log"))) {
+    SCOPED_TRACE(path.toStdString());
+    QByteArray data;
+    for (const QByteArray& line : readAll(path).split('\n')) {
+      if (!line.startsWith('#')) data += line + '\n';
+    }
+    test::Pty pty;
+    ASSERT_TRUE(pty.ok());
+    test::SetPortDevice(1, pty.path());
+    CommControl comm;
+    Module1 state;
+    std::vector<test::Piece> pieces;
+    for (qsizetype at = 0; at < data.size(); at += 512) pieces.push_back({3, data.mid(at, 512)});
+    test::PtyFeeder feeder(pty, std::move(pieces));
+    int found = 0;
+    while (!feeder.done()) {
+      QString raw;
+      QElapsedTimer timer;
+      timer.start();
+      const QString result = GpsOpenPort(comm, state, nullptr, 1, settings, raw);
+      ASSERT_LT(timer.elapsed(), limitMs);
+      ASSERT_FALSE(comm.portOpen());
+      if (result.startsWith(u'!')) continue;
+      ASSERT_TRUE(knownSentence(result)) << result.toStdString();
+      const QString next = raw.mid(raw.indexOf(result) + result.size(), 2);
+      if (!raw.isEmpty()) {
+        EXPECT_EQ(next, QStringLiteral("$G"));
+      }
+      DecodeSentence(result, raw);
+      ++found;
+    }
+    sentences += found;
+    if (found > 0) ++filesWithSentences;
+  }
+  test::ClearPortDevices();
+  RecordProperty("sentences", sentences);
+  EXPECT_GT(filesWithSentences, 30);
+}
+
+}  // namespace
+}  // namespace marvento

@@ -1,0 +1,196 @@
+// The GPS log: which calls write a line, what a line holds, and a file that cannot be written.
+
+#include "FakeClock.h"
+#include "app/Module1.h"
+#include "gps/GpsLog.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtTest>
+
+#include <unistd.h>
+
+using namespace marvento;
+
+class TestGpsLog : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void initTestCase();
+  void init();
+  void cleanup();
+  void printZones_data();
+  void printZones();
+  void dateText();
+  void whichCallsWrite_data();
+  void whichCallsWrite();
+  void timerAroundTheWrite();
+  void unwritableFileIsToldAndRetried();
+  void readOnlyDirectory();
+
+ private:
+  QByteArray fileBytes() const {
+    QFile file(m_dir->filePath(GpsLog::kFileName));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+  }
+
+  QLocale m_savedLocale;
+  QString m_savedDir;
+  std::unique_ptr<QTemporaryDir> m_dir;
+  QLabel m_panel2, m_lbInfo;
+  QLineEdit m_tbMyLoc;
+  QTimer m_timer;
+  Module1 m_state;
+  test::FakeClock m_clock;
+  std::unique_ptr<GpsLog> m_log;
+};
+
+void TestGpsLog::initTestCase() {
+  m_savedLocale = QLocale();
+  QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+  m_savedDir = QDir::currentPath();
+}
+
+void TestGpsLog::init() {
+  m_dir = std::make_unique<QTemporaryDir>();
+  QVERIFY(m_dir->isValid());
+  QVERIFY(QDir::setCurrent(m_dir->path()));
+  m_state = Module1{};
+  m_state.GpsStatus = kGpsAn;
+  m_panel2.clear();
+  m_lbInfo.clear();
+  m_tbMyLoc.clear();
+  m_timer.setInterval(30000);
+  m_timer.start();
+  m_log = std::make_unique<GpsLog>(m_state, GpsLogView{&m_panel2, &m_tbMyLoc, &m_lbInfo, &m_timer},
+                                   m_clock);
+}
+
+void TestGpsLog::cleanup() {
+  QDir::setCurrent(m_savedDir);
+  QFile(m_dir->path()).setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  m_dir.reset();
+}
+
+void TestGpsLog::printZones_data() {
+  QTest::addColumn<QStringList>("items");
+  QTest::addColumn<QString>("line");
+  QTest::newRow("log line") << QStringList{"18.11.2026", "12:35:19", "JO31AB"}
+                            << "18.11.2026    12:35:19      JO31AB";
+  QTest::newRow("empty item keeps its zone") << QStringList{"", "x"} << QString(14, u' ') + "x";
+  QTest::newRow("13 characters") << QStringList{"1234567890123", "x"} << "1234567890123 x";
+  QTest::newRow("a full zone pushes the next on")
+      << QStringList{"12345678901234", "x"} << "12345678901234" + QString(14, u' ') + "x";
+  QTest::newRow("overlong item") << QStringList{"12345678901234567890", "x"}
+                                 << "12345678901234567890" + QString(8, u' ') + "x";
+  QTest::newRow("no trailing blanks") << QStringList{"a"} << "a";
+}
+
+void TestGpsLog::printZones() {
+  QFETCH(QStringList, items);
+  QFETCH(QString, line);
+  QCOMPARE(PrintZones(items), line);
+}
+
+void TestGpsLog::dateText() {
+  QCOMPARE(LogDateText(QDate(2026, 11, 18)), QStringLiteral("18.11.2026"));
+  QCOMPARE(LogDateText(QDate(2027, 1, 2)), QStringLiteral("02.01.2027"));
+}
+
+void TestGpsLog::whichCallsWrite_data() {
+  // Calls as "time|locator" pairs, and the lines that end up in the file.
+  QTest::addColumn<QStringList>("calls");
+  QTest::addColumn<QStringList>("lines");
+  QTest::newRow("standing still writes once")
+      << QStringList{"12:35:19|JO31AB", "12:35:49|JO31AB", "12:36:19|JO31AB"}
+      << QStringList{"12:35:19|JO31AB"};
+  QTest::newRow("return to an earlier locator writes")
+      << QStringList{"12:35:19|JO31AB", "12:35:49|JO31AC", "12:36:19|JO31AB"}
+      << QStringList{"12:35:19|JO31AB", "12:35:49|JO31AC", "12:36:19|JO31AB"};
+  QTest::newRow("new locator, same time: no line, compared with the old one later")
+      << QStringList{"12:35:19|JO31AB", "12:35:19|JO31AC", "12:35:49|JO31AB", "12:35:49|JO31AC"}
+      << QStringList{"12:35:19|JO31AB", "12:35:49|JO31AC"};
+  QTest::newRow("panel still empty")
+      << QStringList{"|JO31AB", "12:35:19|JO31AB"} << QStringList{"12:35:19|JO31AB"};
+  QTest::newRow("locator still empty")
+      << QStringList{"12:35:19|", "12:35:49|JO31AB"} << QStringList{"12:35:49|JO31AB"};
+}
+
+void TestGpsLog::whichCallsWrite() {
+  QFETCH(QStringList, calls);
+  QFETCH(QStringList, lines);
+  for (const QString& call : calls) {
+    m_panel2.setText(call.section(u'|', 0, 0));
+    m_tbMyLoc.setText(call.section(u'|', 1, 1));
+    m_log->WriteGpsLog();
+  }
+  QByteArray expected;
+  for (const QString& line : lines) {
+    expected +=
+        PrintZones({"18.11.2026", line.section(u'|', 0, 0), line.section(u'|', 1, 1)}).toUtf8() +
+        "\r\n";
+  }
+  QCOMPARE(fileBytes(), expected);
+  QCOMPARE(m_lbInfo.text(), QString());
+}
+
+void TestGpsLog::timerAroundTheWrite() {
+  // Reception on: the timer runs after the write, whatever it did before.
+  m_timer.stop();
+  m_panel2.setText("12:35:19");
+  m_tbMyLoc.setText(QStringLiteral("JO31ÄB"));
+  m_log->WriteGpsLog();
+  QVERIFY(m_timer.isActive());
+  QVERIFY(
+      fileBytes().endsWith("JO31\xc3\x84"
+                           "B\r\n"));  // UTF-8
+
+  // Reception off: the timer is left alone.
+  m_state.GpsStatus = kGpsAus;
+  m_timer.stop();
+  m_panel2.setText("12:35:49");
+  m_tbMyLoc.setText("JO31AC");
+  m_log->WriteGpsLog();
+  QVERIFY(!m_timer.isActive());
+  QCOMPARE(fileBytes().count("\r\n"), 2);
+}
+
+void TestGpsLog::unwritableFileIsToldAndRetried() {
+  // A directory of the log's name cannot be opened for writing, not even by root.
+  QVERIFY(QDir(m_dir->path()).mkdir(GpsLog::kFileName));
+  m_panel2.setText("12:35:19");
+  m_tbMyLoc.setText("JO31AB");
+  m_log->WriteGpsLog();
+  QVERIFY2(
+      m_lbInfo.text().startsWith(QStringLiteral("Protokoll nicht schreibbar: ist ein Verzeichnis")),
+      qPrintable(m_lbInfo.text()));
+  QVERIFY(m_timer.isActive());
+  QCOMPARE(m_log->LastLogLoc(), QString());
+
+  // Once the way is free, the same line is written at the next call.
+  QVERIFY(QDir(m_dir->path()).rmdir(GpsLog::kFileName));
+  m_log->WriteGpsLog();
+  QCOMPARE(fileBytes(), QByteArray("18.11.2026    12:35:19      JO31AB\r\n"));
+  QCOMPARE(m_log->LastLogLoc(), QStringLiteral("JO31AB"));
+}
+
+void TestGpsLog::readOnlyDirectory() {
+  if (::geteuid() == 0) QSKIP("root may write into a read-only directory; not testable as root");
+  QVERIFY(QFile(m_dir->path()).setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+  m_panel2.setText("12:35:19");
+  m_tbMyLoc.setText("JO31AB");
+  m_log->WriteGpsLog();
+  QVERIFY2(m_lbInfo.text().startsWith(
+               QStringLiteral("Protokoll nicht schreibbar: keine Schreibberechtigung")),
+           qPrintable(m_lbInfo.text()));
+  QVERIFY(m_timer.isActive());
+  QCOMPARE(m_log->LastLogTime(), QString());
+}
+
+QTEST_MAIN(TestGpsLog)
+#include "tst_GpsLog.moc"

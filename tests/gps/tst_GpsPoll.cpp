@@ -1,0 +1,322 @@
+// The whole poll on real widgets, with the receiver on a pseudo-terminal.
+
+#include "FakeClock.h"
+#include "PtyFeeder.h"
+#include "app/Module1.h"
+#include "gps/EntryLock.h"
+#include "gps/GpsPoll.h"
+#include "platform/CommControl.h"
+#include "platform/MsgBoxRecorder.h"
+#include "support/Pty.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtTest>
+
+#include <memory>
+
+using namespace marvento;
+
+namespace {
+
+const QByteArray kGga = "$GPGGA,123519.00,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n";
+const QByteArray kGgaBad = "$GPGGA,123520.00,,,,,1,04,0.9,12.0,M,46.9,M,,*47\r\n";
+const QByteArray kGsa = "$GPGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1*39\r\n";
+const QByteArray kGsv = "$GPGSV,2,1,08,01,40,083,46,02,17,308,41,12,07,344,39,14,22,228,45*75\r\n";
+const QByteArray kRmc =
+    "$GPRMC,123519.00,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A\r\n";
+const QByteArray kRmcV =
+    "$GPRMC,123519.00,V,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A\r\n";
+const QByteArray kRmc0 =
+    "$GPRMC,123519.00,A,4807.038,N,01131.000,E,0.0,084.4,230394,003.1,W*6A\r\n";
+constexpr int kOpenMs = 60;
+
+}  // namespace
+
+class TestGpsPoll : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void initTestCase();
+  void init();
+  void cleanup();
+  void goodData_data();
+  void goodData();
+  void threeFailedTriesFromStart();
+  void sixFailedTriesAfterData();
+  void cancelAtBusyPortQuestion();
+  void clockCorrectedOnlyThroughTheClockGiven();
+  void lockAndUnlock();
+
+ private:
+  void poll() { m_poll->poll(1, QStringLiteral("4000000,N,8,1")); }
+  void feed(const QByteArray& bytes) {
+    m_feeder =
+        std::make_unique<test::PtyFeeder>(*m_pty, std::vector<test::Piece>{{kOpenMs, bytes}});
+  }
+
+  QTemporaryDir m_config;
+  QLocale m_savedLocale;
+  std::unique_ptr<test::Pty> m_pty;
+  std::unique_ptr<test::PtyFeeder> m_feeder;
+  QLabel m_lbInfo, m_lbKurs, m_panel1, m_panel2;
+  QLineEdit m_tbMyLoc, m_tbMyLg, m_tbMyBr, m_tbFremdLoc, m_tbFremdLg, m_tbFremdBr;
+  QTimer m_timer;
+  CommControl m_comm;
+  Module1 m_state;
+  test::FakeClock m_clock;
+  int m_computes = 0;
+  int m_unlocks = 0;
+  bool m_pollingSeenInCompute = false;
+  QStringList m_heights;
+  std::unique_ptr<GpsPoll> m_poll;
+};
+
+void TestGpsPoll::initTestCase() {
+  qputenv("XDG_CONFIG_HOME", m_config.path().toLocal8Bit());
+  m_savedLocale = QLocale();
+  QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+}
+
+void TestGpsPoll::init() {
+  test::SetNoPortDevices();
+  m_pty = std::make_unique<test::Pty>();
+  QVERIFY(m_pty->ok());
+  test::SetPortDevice(1, m_pty->path());
+  m_state = Module1{};
+  m_state.GpsStatus = kGpsAn;
+  m_state.ComPort = QStringLiteral("Com1");
+  m_state.ComNumber = 1;
+  for (QLineEdit* e :
+       {&m_tbMyLoc, &m_tbMyLg, &m_tbMyBr, &m_tbFremdLoc, &m_tbFremdLg, &m_tbFremdBr}) {
+    e->clear();
+  }
+  m_lbInfo.clear();
+  m_lbKurs.setText(QStringLiteral("old course"));
+  m_panel1.setText(QStringLiteral("Status: GPS an (Com1)"));
+  m_panel2.clear();
+  m_timer.setInterval(30000);
+  m_timer.start();
+  m_computes = 0;
+  m_unlocks = 0;
+  m_heights.clear();
+  m_clock.set(QDateTime(QDate(2026, 11, 18), QTime(14, 22, 10)));
+  GpsPollView view{&m_lbInfo,    &m_lbKurs,    &m_tbMyLoc, &m_tbMyLg, &m_tbMyBr, &m_tbFremdLoc,
+                   &m_tbFremdLg, &m_tbFremdBr, &m_panel1,  &m_panel2, &m_timer,  &m_comm};
+  GpsPollHooks hooks;
+  hooks.Compute = [this] {
+    ++m_computes;
+    m_pollingSeenInCompute = m_poll->isPolling();
+  };
+  hooks.HeightSample = [this](const QString& alt, const QString& unit, const QString& sats) {
+    m_heights << alt + u'|' + unit + u'|' + sats;
+  };
+  hooks.UnlockEntry = [this] { ++m_unlocks; };
+  m_poll = std::make_unique<GpsPoll>(m_state, view, hooks, m_clock);
+}
+
+void TestGpsPoll::cleanup() {
+  m_feeder.reset();
+  m_poll.reset();
+  m_pty.reset();
+  test::ClearPortDevices();
+}
+
+void TestGpsPoll::goodData_data() {
+  QTest::addColumn<QByteArray>("stream");
+  QTest::addColumn<bool>("gradDezimal");
+  QTest::addColumn<QString>("fremdLoc");
+  QTest::addColumn<QStringList>("fields");  // MyLg, MyBr, FremdLoc, FremdLg, FremdBr
+  QTest::addColumn<QString>("info");
+  QTest::addColumn<QString>("panel2");
+  QTest::addColumn<QString>("kurs");
+  QTest::addColumn<int>("computes");
+
+  const QString height = QStringLiteral("GPS - Antennenhöhe: 545,4 m ü. NN (8)");
+  const QString course =
+      QStringLiteral("GPS - Geschwindigkeit: 22,4 Kn  Kurs: 84,4 ° (Stand: 12:35:19)");
+  QTest::newRow("GGA, decimal, placeholders")
+      << kGga + kGsa + kRmc + kGsv << true << QString()
+      << QStringList{" 11,5166666666667", " 48,1173", "AA00AA", "-179,999999", "-89,999999"}
+      << height << "12:35:19" << course << 1;
+  QTest::newRow("GGA, degrees, blanks in tbFremdLoc")
+      << kGga + kGsa + kRmc + kGsv << false << QString("   ")
+      << QStringList{" 11° 31' 0,0\"", " 48° 07' 2,28\"", "AA00AA", "-179° 59' 59,999\"",
+                     "-89° 59' 59,999\""}
+      << height << "12:35:19" << course << 1;
+  QTest::newRow("remote locator given, its coordinates empty")
+      << kGga + kGsa + kRmc + kGsv << true << QString("JO31AB")
+      << QStringList{" 11,5166666666667", " 48,1173", "JO31AB", "", ""} << height << "12:35:19"
+      << course << 1;
+  QTest::newRow("RMC rules, no height line")
+      << kRmc + kGga + kGsa + kGsv << true << QString("JO31AB")
+      << QStringList{" 11,5166666666667", " 48,1173", "JO31AB", "", ""} << QString() << "12:35:19"
+      << course << 1;
+  QTest::newRow("RMC status V: nothing changes")
+      << kRmcV + kGga + kGsa + kGsv << true << QString() << QStringList{"", "", "", "", ""}
+      << QString() << QString() << "old course" << 0;
+  QTest::newRow("RMC speed 0 clears the course")
+      << kRmc0 + kGga + kGsa + kGsv << true << QString("JO31AB")
+      << QStringList{" 11,5166666666667", " 48,1173", "JO31AB", "", ""} << QString() << "12:35:19"
+      << QString() << 1;
+  QTest::newRow("GGA without position: time, no fix written")
+      << kGgaBad + kGsa + kGsv + kGsv << true << QString() << QStringList{"", "", "", "", ""}
+      << "Schlechter Empfang oder zu geringe Anzahl an Satteliten !"
+      << "12:35:20"
+      << "old course" << 0;
+}
+
+void TestGpsPoll::goodData() {
+  QFETCH(QByteArray, stream);
+  QFETCH(bool, gradDezimal);
+  QFETCH(QString, fremdLoc);
+  QFETCH(QStringList, fields);
+  QFETCH(QString, info);
+  QFETCH(QString, panel2);
+  QFETCH(QString, kurs);
+  QFETCH(int, computes);
+
+  m_state.GradDezimal = gradDezimal;
+  m_tbFremdLoc.setText(fremdLoc);
+  feed(stream);
+  MsgBoxRecorder boxes;
+  poll();
+
+  QCOMPARE(m_tbMyLg.text(), fields[0]);
+  QCOMPARE(m_tbMyBr.text(), fields[1]);
+  QCOMPARE(m_tbFremdLoc.text(), fields[2].isEmpty() ? fremdLoc : fields[2]);
+  QCOMPARE(m_tbFremdLg.text(), fields[3]);
+  QCOMPARE(m_tbFremdBr.text(), fields[4]);
+  QCOMPARE(m_lbInfo.text(), info);
+  QCOMPARE(m_panel2.text(), panel2);
+  QCOMPARE(m_lbKurs.text(), kurs);
+  QCOMPARE(m_computes, computes);
+  QCOMPARE(m_unlocks, 1);
+  QCOMPARE(boxes.count(), 0);
+  QCOMPARE(m_poll->GpsTries(), std::int16_t(0));
+  QVERIFY(m_state.GpsDataSeen);
+  QVERIFY(!m_comm.portOpen());
+  QVERIFY(!m_poll->isPolling());
+  if (computes > 0) QVERIFY(m_pollingSeenInCompute);
+  QCOMPARE(m_clock.sets().size(), 0);  // GpsZeit is off
+  if (stream.startsWith("$GPGGA,123519.00")) QCOMPARE(m_heights, QStringList{"545.4|M|8"});
+}
+
+void TestGpsPoll::threeFailedTriesFromStart() {
+  MsgBoxRecorder boxes;
+  m_tbMyLg.setText(QStringLiteral("typed"));
+  for (int tryNo = 1; tryNo <= 2; ++tryNo) {
+    poll();
+    QCOMPARE(m_lbInfo.text(),
+             QStringLiteral("%1. Versuch/3 : Zur Zeit kein GPS-Empfang").arg(tryNo));
+    QCOMPARE(boxes.count(), 0);
+    QVERIFY(m_timer.isActive());
+  }
+  poll();
+  QCOMPARE(m_lbInfo.text(), QString());
+  QCOMPARE(m_state.GpsStatus, kGpsAus);
+  QVERIFY(!m_timer.isActive());
+  QCOMPARE(m_panel1.text(), QStringLiteral("Status: GPS aus (Com1)"));
+  QCOMPARE(boxes.count(), 1);
+  QCOMPARE(boxes.last().prompt, QStringLiteral("GPS-Datenübertragungsfehler:\nZur Zeit kein "
+                                               "GPS-Empfang\nGPS-Empfang wurde deaktiviert !"));
+  QCOMPARE(boxes.last().style, 48);
+  QCOMPARE(boxes.last().title, QStringLiteral(" Fehler"));
+  QVERIFY(!m_state.GpsDataSeen);
+  QVERIFY(!m_comm.portOpen());
+  QCOMPARE(m_unlocks, 3);
+  // A failed poll leaves the fields and the course line alone.
+  QCOMPARE(m_tbMyLg.text(), QStringLiteral("typed"));
+  QCOMPARE(m_lbKurs.text(), QStringLiteral("old course"));
+
+  // Switched on again with the count still at 3: the first failure is the 4th of 3 and
+  // ends reception at once.
+  m_state.GpsStatus = kGpsAn;
+  m_timer.start();
+  poll();
+  QCOMPARE(m_poll->GpsTries(), std::int16_t(4));
+  QCOMPARE(boxes.count(), 2);
+  QCOMPARE(m_state.GpsStatus, kGpsAus);
+  QVERIFY(!m_timer.isActive());
+}
+
+void TestGpsPoll::sixFailedTriesAfterData() {
+  MsgBoxRecorder boxes;
+  feed(kGga + kGsa + kGsv + kGsv);
+  poll();
+  QVERIFY(m_state.GpsDataSeen);
+  m_feeder.reset();
+  for (int tryNo = 1; tryNo <= 5; ++tryNo) {
+    poll();
+    QCOMPARE(m_lbInfo.text(),
+             QStringLiteral("%1. Versuch/6 : Zur Zeit kein GPS-Empfang").arg(tryNo));
+  }
+  QCOMPARE(boxes.count(), 0);
+  poll();
+  QCOMPARE(boxes.count(), 1);
+  QCOMPARE(m_state.GpsStatus, kGpsAus);
+  QVERIFY(!m_state.GpsDataSeen);
+  // The last fix stays in the fields.
+  QCOMPARE(m_tbMyBr.text(), QStringLiteral(" 48° 07' 2,28\""));
+}
+
+void TestGpsPoll::cancelAtBusyPortQuestion() {
+  MsgBoxRecorder boxes;
+  m_state.BusyPort = 1;
+  for (int i = 0; i < 3; ++i) boxes.answer(vbCancel);
+  poll();
+  QCOMPARE(m_lbInfo.text(), QStringLiteral("1. Versuch/3 : Bitte andere Schnittstelle auswählen"));
+  poll();
+  poll();
+  QCOMPARE(boxes.count(), 4);  // three questions, then the end of reception
+  QCOMPARE(boxes.entries()[0].call.title, QStringLiteral(" Achtung"));
+  QCOMPARE(boxes.last().prompt, QStringLiteral("GPS-Datenübertragungsfehler:\nBitte andere "
+                                               "Schnittstelle auswählen\nGPS-Empfang wurde "
+                                               "deaktiviert !"));
+  QCOMPARE(m_state.GpsStatus, kGpsAus);
+  QVERIFY(!m_comm.portOpen());
+}
+
+void TestGpsPoll::clockCorrectedOnlyThroughTheClockGiven() {
+  m_state.GpsZeit = true;
+  feed(kGga + kGsa + kGsv + kGsv);
+  poll();
+  QCOMPARE(m_clock.sets(), QList<QTime>{QTime(14, 35, 19)});
+  QCOMPARE(m_clock.time(), QTime(14, 35, 19));
+  QCOMPARE(m_panel2.text(), QStringLiteral("12:35:19"));
+}
+
+void TestGpsPoll::lockAndUnlock() {
+  QWidget toolBar;
+  QComboBox combo;
+  QAction aktion(QStringLiteral("Aktion"));
+  QAction help(QStringLiteral("Hilfe"));
+  const EntryControls controls{
+      {&toolBar, &combo, &m_tbMyLoc, &m_tbMyLg, &m_tbMyBr, &m_tbFremdLg, &m_tbFremdBr},
+      {&aktion, &help}};
+  LockEntry(controls);
+  QVERIFY(QApplication::overrideCursor());
+  QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+  for (QWidget* w : controls.widgets) QVERIFY(!w->isEnabled());
+  QVERIFY(!aktion.isEnabled() && !help.isEnabled());
+  QVERIFY(m_tbFremdLoc.isEnabled());
+
+  UnlockEntry(controls);
+  for (QWidget* w : controls.widgets) QVERIFY(w->isEnabled());
+  QVERIFY(aktion.isEnabled() && help.isEnabled());
+  QVERIFY(QApplication::overrideCursor());  // the poll puts the pointer back, not this
+
+  // Two locks in a row leave one hourglass that a single reset removes.
+  LockEntry(controls);
+  poll();
+  QVERIFY(!QApplication::overrideCursor());
+}
+
+QTEST_MAIN(TestGpsPoll)
+#include "tst_GpsPoll.moc"
