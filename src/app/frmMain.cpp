@@ -5,9 +5,14 @@
 #include "app/SettingsStore.h"
 #include "distance/Compute.h"
 #include "distance/ReverseBearing.h"
+#include "gps/EntryLock.h"
+#include "gps/GpsLog.h"
+#include "gps/GpsPoll.h"
 #include "height/HeightEvaluate.h"
 #include "help/ShowHelp.h"
 #include "help/frmAbout.h"
+#include "options/frmOptions.h"
+#include "platform/Clock.h"
 #include "height/HeightReport.h"
 #include "height/HeightTable.h"
 #include "platform/CommControl.h"
@@ -68,6 +73,9 @@ QString shortDate(const QDate& date) {
 struct frmMain::Subsystems {
   std::unique_ptr<ComputeCommand> compute;
   std::unique_ptr<HeightTable> heights;
+  std::unique_ptr<GpsPoll> poll;
+  std::unique_ptr<GpsLog> log;
+  EntryControls entry;
 };
 
 std::function<void()>& frmMain::exitProcess() {
@@ -101,6 +109,28 @@ frmMain::frmMain(Module1& state, QWidget* parent)
   const ComputeFields fields{tbMyLoc,   tbFremdLoc,    tbMyLg,      tbMyBr, tbFremdLg,
                              tbFremdBr, lblEntfernung, lblRichtung, Combo1};
   m_sub->compute = std::make_unique<ComputeCommand>(fields, m_state, [this] { WriteGpsLog(); });
+
+  const GpsPollView pollView{lbInfo,    lbKurs,    tbMyLoc, tbMyLg, tbMyBr, tbFremdLoc,
+                             tbFremdLg, tbFremdBr, Panel1,  Panel2, Timer1, MSComm1};
+  GpsPollHooks hooks;
+  hooks.Compute = [this] { Compute(); };
+  hooks.HeightSample = [this](const QString& alt, const QString& unit, const QString& sats) {
+    HeightSample(alt, unit, sats);
+  };
+  hooks.UnlockEntry = [this] { UnlockEntry(); };
+  m_sub->poll = std::make_unique<GpsPoll>(m_state, pollView, std::move(hooks), SystemClock());
+  m_sub->log = std::make_unique<GpsLog>(m_state, GpsLogView{Panel2, tbMyLoc, lbInfo, Timer1},
+                                        SystemClock());
+
+  // A poll fences off everything but tbFremdLoc; the menu entries go with their menus so
+  // that no shortcut starts a command inside a poll.
+  m_sub->entry.widgets = {tbToolBar, Combo1, tbMyLoc, tbMyLg, tbMyBr, tbFremdLg, tbFremdBr};
+  m_sub->entry.actions = {mnuAktion->menuAction(), mnuHelp->menuAction()};
+  for (QMenu* menu : {mnuAktion, mnuHelp}) {
+    for (QAction* item : menu->actions()) {
+      if (!item->isSeparator()) m_sub->entry.actions << item;
+    }
+  }
   qApp->installEventFilter(this);
 }
 
@@ -393,7 +423,10 @@ void frmMain::Form_Activate() {
     }
     return;
   }
-  startPoll();
+  LockEntry();
+  pollOnce();
+  QCoreApplication::processEvents();
+  if (m_state.GpsStatus == kGpsAn && m_state.ProtokollOn) WriteGpsLog();
 }
 
 void frmMain::showEvent(QShowEvent* event) {
@@ -442,7 +475,20 @@ void frmMain::mnuGPS_Höhe_Click() {
   MsgBox(QStringLiteral("Kein GPS aktiv!        "), vbInformation, QStringLiteral(" GPS-Höhe "));
 }
 
-void frmMain::mnuGrundeinstellungen_Click() {}
+void frmMain::mnuGrundeinstellungen_Click() {
+  if (m_state.GpsStatus == kGpsAn && Timer1->isActive()) Timer1->stop();
+  QCoreApplication::processEvents();
+  {
+    const OptionsTargets targets{Timer1, MSComm1, lbInfo, this, tbMyLg, tbMyBr, tbFremdLg, tbFremdBr};
+    frmOptions options(m_state, targets, this);
+    options.exec();
+  }
+  activateAfterDialog();
+  QCoreApplication::processEvents();
+  Panel1->setText(statusText());
+  if (m_state.GpsStatus == kGpsAn) startPoll();
+  if (isVisible()) tbFremdLoc->setFocus();
+}
 
 void frmMain::mnuProtokoll_Click() {
   // The action has toggled its own mark already; the flag follows it.
@@ -466,14 +512,7 @@ void frmMain::ShowHelp() {
 }
 
 void frmMain::ShowAbout() {
-  if (m_state.GpsStatus == kGpsAn) Timer1->stop();
-  {
-    frmAbout about(this);
-    about.exec();
-  }
-  activateAfterDialog();
-  QCoreApplication::processEvents();
-  if (m_state.GpsStatus == kGpsAn) SetTimerEnabled(Timer1, true);
+  marvento::ShowAbout(this, Timer1, m_state, [this] { activateAfterDialog(); });
 }
 
 void frmMain::activateAfterDialog() {
@@ -497,17 +536,38 @@ const HeightTable& frmMain::heights() const {
   return *m_sub->heights;
 }
 
-void frmMain::LockEntry() {}
+void frmMain::LockEntry() {
+  marvento::LockEntry(m_sub->entry);
+}
 
-void frmMain::UnlockEntry() {}
+void frmMain::UnlockEntry() {
+  marvento::UnlockEntry(m_sub->entry);
+}
 
-void frmMain::startPoll() {}
+void frmMain::startPoll() {
+  LockEntry();
+  pollOnce();
+}
 
+void frmMain::pollOnce() {
+  m_sub->poll->poll(m_state.ComNumber, m_state.ComSettings);
+  // A closing asked for inside the poll waited for its end.
+  if (m_closeAfterPoll && !m_sub->poll->isPolling()) {
+    m_closeAfterPoll = false;
+    QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+  }
+}
+
+bool frmMain::isPolling() const {
+  return m_sub->poll->isPolling();
+}
 void frmMain::Compute() {
   m_sub->compute->Compute();
 }
 
-void frmMain::WriteGpsLog() {}
+void frmMain::WriteGpsLog() {
+  m_sub->log->WriteGpsLog();
+}
 
 void frmMain::tbToolBar_ButtonClick(const QString& key) {
   if (!tbMyLoc->isEnabled()) return;
@@ -529,6 +589,8 @@ void frmMain::tbToolBar_ButtonClick(const QString& key) {
 
 void frmMain::Timer1_Timer() {
   if (m_state.GpsStatus != kGpsAn) return;
+  // A tick inside a running poll (in one of its DoEvents) starts no second one.
+  if (isPolling() || !tbMyLoc->isEnabled()) return;
   startPoll();
 }
 
@@ -568,6 +630,13 @@ void frmMain::Form_Unload() {
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
+  // Closing inside a poll would leave the poll working on a closed window: the question
+  // comes when the poll has ended.
+  if (isPolling()) {
+    m_closeAfterPoll = true;
+    event->ignore();
+    return;
+  }
   if (!Form_QueryUnload()) {
     event->ignore();
     return;

@@ -103,6 +103,8 @@ class frmMain : public QMainWindow {
   int radiusListIndex() const;
   // Panel 3 enabled means insert mode; the Insert key toggles it.
   bool insertMode() const;
+  // Whether a GPS poll is running (also while it handles events).
+  bool isPolling() const;
   QString statusText() const;
 
   // The process end of the second-instance guard; tests replace it.
@@ -132,6 +134,7 @@ class frmMain : public QMainWindow {
   void LockEntry();
   void UnlockEntry();
   void startPoll();
+  void pollOnce();
   void activateAfterDialog();
 
   Module1& m_state;
@@ -139,6 +142,7 @@ class frmMain : public QMainWindow {
   bool m_loaded = false;
   bool m_insertMode = true;
   bool m_activatePending = false;
+  bool m_closeAfterPoll = false;
   struct Subsystems;
   std::unique_ptr<Subsystems> m_sub;
 };

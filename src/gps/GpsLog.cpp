@@ -1,5 +1,7 @@
 #include "gps/GpsLog.h"
 
+#include "platform/Timer.h"
+
 #include "app/Module1.h"
 #include "platform/Clock.h"
 
@@ -98,7 +100,7 @@ void GpsLog::WriteGpsLog() {
   const auto error =
       AppendToFile(kFileName, PrintZones({dateItem, timeItem, locItem}) + QStringLiteral("\r\n"));
   QCoreApplication::processEvents();
-  if (on && m_view.Timer1) m_view.Timer1->start();
+  if (on && m_view.Timer1) SetTimerEnabled(m_view.Timer1, true);
 
   if (error) {
     if (m_view.lbInfo)

@@ -1,5 +1,7 @@
 #include "help/frmAbout.h"
 
+#include "platform/Timer.h"
+
 #include <QApplication>
 #include <QCoreApplication>
 #include <QFrame>
@@ -148,14 +150,16 @@ void StartSysInfo() {
   MsgBox(QStringLiteral("Systeminformationsprogramm zur Zeit nicht verfügbar."), vbOKOnly);
 }
 
-void ShowAbout(QWidget* owner, QTimer* timer1, const Module1& state) {
+void ShowAbout(QWidget* owner, QTimer* timer1, const Module1& state,
+               const std::function<void()>& closed) {
   if (state.GpsStatus == kGpsAn) timer1->stop();
   {
     frmAbout about(owner);
     about.exec();
   }
+  if (closed) closed();
   QCoreApplication::processEvents();
-  if (state.GpsStatus == kGpsAn) timer1->start();
+  if (state.GpsStatus == kGpsAn) SetTimerEnabled(timer1, true);
 }
 
 }  // namespace marvento

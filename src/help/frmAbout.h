@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <QDialog>
 #include <QStringList>
 
@@ -44,6 +46,7 @@ void StartSysInfo();
 
 // Shows the About box modally over `owner`. With reception on, the poll timer rests while the
 // box is open and runs again afterwards.
-void ShowAbout(QWidget* owner, QTimer* timer1, const Module1& state);
+void ShowAbout(QWidget* owner, QTimer* timer1, const Module1& state,
+               const std::function<void()>& closed = {});
 
 }  // namespace marvento

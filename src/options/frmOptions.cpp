@@ -1,5 +1,7 @@
 #include "options/frmOptions.h"
 
+#include "platform/Timer.h"
+
 #include "options/PortList.h"
 #include "platform/CommControl.h"
 #include "platform/Format.h"
@@ -295,7 +297,7 @@ void frmOptions::Command1_Click() {
 
   if (m_Option1_0->isChecked()) {
     m_state.GpsStatus = kGpsAn;
-    if (m_targets.Timer1 != nullptr && !m_targets.Timer1->isActive()) m_targets.Timer1->start();
+    if (m_targets.Timer1 != nullptr) SetTimerEnabled(m_targets.Timer1, true);
   } else {
     m_state.GpsStatus = kGpsAus;
     if (m_targets.Timer1 != nullptr) m_targets.Timer1->stop();
