@@ -104,6 +104,7 @@ frmMain::frmMain(Module1& state, QWidget* parent)
   buildToolBar();
   buildControls();
   buildStatusBar();
+  fitWidth();
   setFixedSize(sizeHint());
 
   const ComputeFields fields{tbMyLoc,   tbFremdLoc,    tbMyLg,      tbMyBr, tbFremdLg,
@@ -352,6 +353,18 @@ void frmMain::buildStatusBar() {
   m_clockTimer->setInterval(1000);
   connect(m_clockTimer, &QTimer::timeout, this, &frmMain::updateClockPanels);
   updateClockPanels();
+}
+
+void frmMain::fitWidth() {
+  // The status bar may need more room than the fields where the font is large; the client
+  // area, its rules and the two info lines then widen with it.
+  const int width = std::max(TwipsToPx(kClientWidth), sbStatusBar->sizeHint().width());
+  centralWidget()->setFixedWidth(width);
+  for (QWidget* line : {static_cast<QWidget*>(Line1), static_cast<QWidget*>(Line2),
+                        static_cast<QWidget*>(Line3), static_cast<QWidget*>(lbInfo),
+                        static_cast<QWidget*>(lbKurs)}) {
+    line->resize(width, line->height());
+  }
 }
 
 void frmMain::updateClockPanels() {

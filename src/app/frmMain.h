@@ -121,6 +121,7 @@ class frmMain : public QMainWindow {
   void buildMenus();
   void buildToolBar();
   void buildStatusBar();
+  void fitWidth();
   void fillRadiusList();
   void placeWindow();
   void updateClockPanels();
