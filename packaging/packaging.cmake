@@ -30,7 +30,7 @@ endforeach()
 add_custom_target(marvento-icons ALL DEPENDS ${MARVENTO_ICON_PNGS})
 
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/LICENSE
-        DESTINATION ${CMAKE_INSTALL_DOCDIR})
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/marvento)
 
 # The Debian package.
 set(CPACK_GENERATOR DEB)
@@ -43,6 +43,7 @@ bearing between two amateur radio stations given by Maidenhead or QRA locators o
 coordinates. The own position can come live from a GPS receiver (NMEA 0183).")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_PACKAGE_SECTION hamradio)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # The window needs a platform plug-in, which no library dependency pulls in.
