@@ -62,7 +62,7 @@ Xvfb -displayfd 3 -screen 0 800x600x24 -nolisten tcp 3>"$tmp/display" 2>/dev/nul
 pids="$pids $!"
 for _ in $(seq 50); do [ -s "$tmp/display" ] && break; sleep 0.1; done
 export DISPLAY=":$(cat "$tmp/display")"
-XDG_CONFIG_HOME="$tmp/config" XDG_DATA_HOME="$tmp/data" XDG_DATA_DIRS="$tmp/data" \
+QT_QPA_PLATFORM=xcb XDG_CONFIG_HOME="$tmp/config" XDG_DATA_HOME="$tmp/data" XDG_DATA_DIRS="$tmp/data" \
   XDG_RUNTIME_DIR="$tmp/runtime" "$root/bin/marvento" >"$tmp/marvento.log" 2>&1 &
 program=$!
 pids="$pids $program"

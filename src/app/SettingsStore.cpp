@@ -1,5 +1,6 @@
 #include "app/SettingsStore.h"
 
+#include "platform/CommControl.h"
 #include "platform/Format.h"
 #include "platform/Numbers.h"
 #include "platform/Settings.h"
@@ -39,23 +40,11 @@ std::optional<PollInterval> ReadInterval(const QString& text) {
   return PollInterval{*seconds, static_cast<std::int32_t>(milliseconds)};
 }
 
-std::optional<std::int16_t> ReadPortNumber(const QString& portName) {
-  if (portName.size() < 3) return std::nullopt;
-  return ToInt16(Val(portName.mid(3)));
-}
-
 std::optional<std::int16_t> ReadRadiusPosition(const QString& text) {
   if (!IsNumeric(text)) return std::nullopt;
   const std::optional<std::int16_t> position = ToInt16(Val(ToDotDecimal(text.trimmed())));
   if (!position || *position < -1 || *position > 11) return std::nullopt;
   return position;
-}
-
-std::optional<float> ReadTwips(const QString& text) {
-  if (!IsNumeric(text)) return std::nullopt;
-  const double value = Val(ToDotDecimal(text.trimmed()));
-  if (!std::isfinite(value) || std::fabs(value) > 1e7) return std::nullopt;
-  return static_cast<float>(value);
 }
 
 QString BooleanText(bool value) {
@@ -86,7 +75,7 @@ StartupSettings ReadStartupSettings(Module1& state) {
   result.radiusPosition =
       ReadRadiusPosition(GetSetting(QStringLiteral("Radius"), QStringLiteral("2"))).value_or(2);
   state.GpsDataSeen = false;
-  std::optional<std::int16_t> number = ReadPortNumber(state.ComPort);
+  std::optional<std::int16_t> number = ComNumberOf(state.ComPort);
   if (!number) {
     state.ComPort = QStringLiteral("Com1");
     number = 1;

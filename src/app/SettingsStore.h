@@ -19,10 +19,7 @@ struct PollInterval {
   std::int32_t milliseconds = 30000;
 };
 std::optional<PollInterval> ReadInterval(const QString& text);
-// The port number behind the first three characters of a port name ("Com7" -> 7).
-std::optional<std::int16_t> ReadPortNumber(const QString& portName);
 std::optional<std::int16_t> ReadRadiusPosition(const QString& text);
-std::optional<float> ReadTwips(const QString& text);
 
 // The texts written at exit.
 QString BooleanText(bool value);

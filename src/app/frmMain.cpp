@@ -385,9 +385,8 @@ void frmMain::fillRadiusList() {
 }
 
 void frmMain::placeWindow() {
-  const float left = ReadTwips(GetSetting(QStringLiteral("MainLeft"), QStringLiteral("1000"))).value_or(1000);
-  const float top = ReadTwips(GetSetting(QStringLiteral("MainTop"), QStringLiteral("1000"))).value_or(1000);
-  move(TwipsToPx(left), TwipsToPx(top));
+  move(TwipsToPx(GetTwipsSetting(QStringLiteral("MainLeft"))),
+       TwipsToPx(GetTwipsSetting(QStringLiteral("MainTop"))));
 }
 
 void frmMain::Form_Load() {

@@ -1,6 +1,7 @@
 #include "options/frmOptions.h"
 
 #include "platform/Timer.h"
+#include "platform/Twips.h"
 
 #include "options/PortList.h"
 #include "platform/CommControl.h"
@@ -34,15 +35,8 @@ constexpr std::array kRates = {1200, 2400, 4800, 9600, 19200, 38400, 57600, 1152
 constexpr std::array kIntervals = {10, 15, 20, 25, 30, 35, 40, 45, 50, 60};
 constexpr int kRateFallbackIndex = 2;  // "4800"
 
-constexpr double kTwipsPerInch = 1440.0;
 constexpr double kOffsetLeftTwips = 700.0;
 constexpr double kOffsetTopTwips = 600.0;
-
-// A stored window position in twips; a text that is no number gives the default.
-double storedTwips(const QString& key) {
-  const QString text = GetSetting(key, QStringLiteral("1000"));
-  return IsNumeric(text) ? Val(ToDotDecimal(text)) : 1000.0;
-}
 
 QComboBox* makeCombo(QWidget* parent, const char* name, const QString& toolTip) {
   auto* combo = new QComboBox(parent);
@@ -71,11 +65,6 @@ Button* makeButton(QWidget* parent, const char* name, const QString& caption,
 }
 
 }  // namespace
-
-std::optional<std::int16_t> ComNumberOf(const QString& comPort) {
-  if (comPort.size() < 3) return std::nullopt;
-  return ToInt16(RoundHalfEven(Val(QStringView(comPort).mid(3))));
-}
 
 std::int32_t IntervalSecondsOf(const QString& text) {
   // Limited before the conversion, so that no text can overflow it.
@@ -232,10 +221,9 @@ void frmOptions::build() {
 
 void frmOptions::Form_Load() {
   // Placed by where the main window stood at the last exit, in twips from the store.
-  const double left = storedTwips(QStringLiteral("MainLeft")) + kOffsetLeftTwips;
-  const double top = storedTwips(QStringLiteral("MainTop")) + kOffsetTopTwips;
-  move(static_cast<int>(std::lround(left * logicalDpiX() / kTwipsPerInch)),
-       static_cast<int>(std::lround(top * logicalDpiY() / kTwipsPerInch)));
+  const double left = GetTwipsSetting(QStringLiteral("MainLeft")) + kOffsetLeftTwips;
+  const double top = GetTwipsSetting(QStringLiteral("MainTop")) + kOffsetTopTwips;
+  move(TwipsToPx(left), TwipsToPx(top));
 
   m_Text1->setText(m_state.MyHomeLoc);
 

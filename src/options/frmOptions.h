@@ -20,11 +20,6 @@ namespace marvento {
 
 class CommControl;
 
-// The number behind the first three characters of a port name, rounded half to even:
-// "Com1" 1, "COM12" 12, "Xyz7" 7, "Com" 0, "Com1x" 1. Nothing for a text shorter than three
-// characters or a number outside 16 bits.
-std::optional<std::int16_t> ComNumberOf(const QString& comPort);
-
 // Poll interval in whole seconds from the text of the interval box: rounded half to even,
 // then held to 10..65 ("5" 10, "12,5" 12, "13.5" 14, "66" 65, no number 10).
 std::int32_t IntervalSecondsOf(const QString& text);

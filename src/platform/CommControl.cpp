@@ -1,5 +1,7 @@
 #include "platform/CommControl.h"
 
+#include "platform/Numbers.h"
+
 #include "platform/Settings.h"
 
 #include <QSerialPort>
@@ -67,6 +69,11 @@ QSerialPort::StopBits toStopBits(int tenths) {
 }
 
 }  // namespace
+
+std::optional<std::int16_t> ComNumberOf(const QString& comPort) {
+  if (comPort.size() < 3) return std::nullopt;
+  return ToInt16(Val(QStringView(comPort).mid(3)));
+}
 
 QString PortDevice(int number) {
   if (number < kFirstPort || number > kLastPort) return {};

@@ -36,6 +36,11 @@ struct CommResult {
 // settings group "Ports" overrides the path. Empty for a number outside 1 to 29.
 QString PortDevice(int number);
 
+// The number behind the first three characters of a port name, rounded half to even:
+// "Com1" 1, "COM12" 12, "Xyz7" 7, "Com" 0, "Com1x" 1. Nothing for a text shorter than three
+// characters or a number outside 16 bits.
+std::optional<std::int16_t> ComNumberOf(const QString& comPort);
+
 // The serial parameters of a settings text "rate,parity,data bits,stop bits", such as
 // "4800,N,8,1". Parity is one of N, E, O, M, S (any case); data bits 5 to 8; stop bits 1,
 // 1.5 or 2. Missing fields after the rate take N, 8 and 1. Nothing when the rate is no whole

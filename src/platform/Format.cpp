@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <string>
+#include <utility>
 
 namespace marvento {
 
@@ -35,6 +36,16 @@ Decimal toDecimal(double value, int significant) {
   return d;
 }
 
+// The digits before and after the decimal point, without padding; both empty for zero.
+std::pair<std::string, std::string> split(const Decimal& d) {
+  if (d.digits.empty()) return {};
+  if (d.point <= 0) return {{}, std::string(static_cast<std::size_t>(-d.point), '0') + d.digits};
+  if (static_cast<std::size_t>(d.point) >= d.digits.size()) {
+    return {d.digits + std::string(d.point - d.digits.size(), '0'), {}};
+  }
+  return {d.digits.substr(0, d.point), d.digits.substr(d.point)};
+}
+
 QString decimalSign() {
   return QLocale().decimalPoint();
 }
@@ -58,17 +69,8 @@ QString generalForm(double value, int significant) {
     text += QString::number(absExp).rightJustified(2, u'0');
     return text;
   }
-  std::string whole;
-  std::string fraction;
-  if (d.point <= 0) {
-    whole = "0";
-    fraction = std::string(static_cast<std::size_t>(-d.point), '0') + d.digits;
-  } else if (static_cast<std::size_t>(d.point) >= d.digits.size()) {
-    whole = d.digits + std::string(d.point - d.digits.size(), '0');
-  } else {
-    whole = d.digits.substr(0, d.point);
-    fraction = d.digits.substr(d.point);
-  }
+  auto [whole, fraction] = split(d);
+  if (whole.empty()) whole = "0";
   QString text = sign + QString::fromLatin1(whole);
   if (!fraction.empty()) text += decimalSign() + QString::fromLatin1(fraction);
   return text;
@@ -118,18 +120,7 @@ QString patterned(double value, QStringView pattern, int significant) {
   const Pattern p = parsePattern(pattern);
   const Decimal d = toDecimal(value, significant);
 
-  std::string whole;
-  std::string fraction;
-  if (d.digits.empty()) {
-    // zero: nothing to split
-  } else if (d.point <= 0) {
-    fraction = std::string(static_cast<std::size_t>(-d.point), '0') + d.digits;
-  } else if (static_cast<std::size_t>(d.point) >= d.digits.size()) {
-    whole = d.digits + std::string(d.point - d.digits.size(), '0');
-  } else {
-    whole = d.digits.substr(0, d.point);
-    fraction = d.digits.substr(d.point);
-  }
+  auto [whole, fraction] = split(d);
 
   const auto maxFraction = static_cast<std::size_t>(p.maxFraction);
   if (fraction.size() > maxFraction) {

@@ -1,7 +1,11 @@
 #include "platform/Settings.h"
 
+#include "platform/Numbers.h"
+
 #include <QSettings>
 #include <QStringList>
+
+#include <cmath>
 
 namespace marvento {
 
@@ -26,6 +30,14 @@ QString GetSetting(const QString& group, const QString& key, const QString& defa
 
 QString GetSetting(const QString& key, const QString& defaultValue) {
   return GetSetting(QStringLiteral("Settings"), key, defaultValue);
+}
+
+float GetTwipsSetting(const QString& key) {
+  const QString text = GetSetting(key, QStringLiteral("1000")).trimmed();
+  if (!IsNumeric(text)) return 1000;
+  const double value = Val(ToDotDecimal(text));
+  // A position far off any screen is no position a window was closed at.
+  return std::fabs(value) <= 1e7 ? static_cast<float>(value) : 1000.0f;
 }
 
 void SaveSetting(const QString& key, const QString& value) {

@@ -10,6 +10,9 @@ namespace marvento {
 QString GetSetting(const QString& key, const QString& defaultValue);
 void SaveSetting(const QString& key, const QString& value);
 
+// A window position in twips as stored under key; 1000 when missing or no number.
+float GetTwipsSetting(const QString& key);
+
 // The same for another group of the store, such as "Ports".
 QString GetSetting(const QString& group, const QString& key, const QString& defaultValue);
 

@@ -1,5 +1,7 @@
 #include "app/SettingsStore.h"
 
+#include "platform/CommControl.h"
+
 #include "platform/Settings.h"
 
 #include <QLocale>
@@ -53,7 +55,7 @@ TEST(SettingsStore, PortNumberCountsOnlyThePrefixLength) {
       {"Com1x", 1},  {"Co", std::nullopt}, {"", std::nullopt}, {"Com99999", std::nullopt},
   };
   for (const auto& [text, expected] : cases) {
-    const auto number = ReadPortNumber(QString::fromLatin1(text));
+    const auto number = ComNumberOf(QString::fromLatin1(text));
     ASSERT_EQ(number.has_value(), expected.has_value()) << text;
     if (number) {
       EXPECT_EQ(*number, *expected) << text;
@@ -137,7 +139,7 @@ TEST_F(SettingsStoreFile, ExitWritesEveryKeyButTheHomeLocatorInItsTextForm) {
   EXPECT_EQ(next.ComNumber, 12);
   EXPECT_TRUE(next.ProtokollOn);
   EXPECT_EQ(settings.radiusPosition, -1);
-  EXPECT_EQ(ReadTwips(GetSetting(QStringLiteral("MainLeft"), {})), 1234.5f);
+  EXPECT_EQ(GetTwipsSetting(QStringLiteral("MainLeft")), 1234.5f);
 }
 
 TEST_F(SettingsStoreFile, IntervalZeroAndBaudWithoutNumberWriteEmptyTexts) {
