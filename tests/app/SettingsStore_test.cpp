@@ -83,8 +83,12 @@ class SettingsStoreFile : public ::testing::Test {
     ASSERT_TRUE(m_dir.isValid());
     m_saved = qgetenv("XDG_CONFIG_HOME");
     qputenv("XDG_CONFIG_HOME", m_dir.path().toLocal8Bit());
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_dir.path());
   }
-  void TearDown() override { qputenv("XDG_CONFIG_HOME", m_saved); }
+  void TearDown() override {
+    qputenv("XDG_CONFIG_HOME", m_saved);
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QString::fromLocal8Bit(m_saved));
+  }
   QString stored(const char* key) const {
     QSettings file(m_dir.path() + QStringLiteral("/Marvento/Marvento.conf"), QSettings::IniFormat);
     return file.value(QStringLiteral("Settings/") + QString::fromLatin1(key)).toString();

@@ -65,7 +65,7 @@ class tst_frmMain : public QObject {
     QTest::newRow("interval 31.5") << "GPS-Interval" << "31.5" << 32000 << "6367,6539915" << false << "Status: GPS aus (Com1)";
     QTest::newRow("interval 5") << "GPS-Interval" << "5" << 5000 << "6367,6539915" << false << "Status: GPS aus (Com1)";
     QTest::newRow("typed radius") << "Radius" << "-1" << 30000 << "" << false << "Status: GPS aus (Com1)";
-    QTest::newRow("radius 4") << "Radius" << "4" << 30000 << "6374,492" << false << "Status: GPS aus (Com1)";
+    QTest::newRow("radius 4") << "Radius" << "4" << 30000 << "6371,299" << false << "Status: GPS aus (Com1)";
     QTest::newRow("radius outside") << "Radius" << "99" << 30000 << "6367,6539915" << false << "Status: GPS aus (Com1)";
     QTest::newRow("port prefix only") << "Com" << "Com" << 30000 << "6367,6539915" << false << "Status: GPS aus (Com)";
     QTest::newRow("odd status") << "GPS" << "GPS irgendwas" << 30000 << "6367,6539915" << true << "Status: GPS irgendwas (Com1)";
@@ -216,7 +216,8 @@ class tst_frmMain : public QObject {
     IsolatedUser user;
     QFile stale(user.path() + QStringLiteral("/marvento.lock"));
     QVERIFY(stale.open(QIODevice::WriteOnly));
-    stale.write("999999\nmarvento\nhost\n");  // a process id that does not run
+    // The lock of a process that no longer runs, on this machine.
+    stale.write("999999\nmarvento\n" + QSysInfo::machineHostName().toUtf8() + "\n");
     stale.close();
     MsgBoxRecorder boxes;
     Program program;
@@ -265,6 +266,7 @@ class tst_frmMain : public QObject {
     frmMain* w = program.window();
     QVERIFY(QTest::qWaitForWindowActive(w));
     MsgBoxRecorder boxes;
+    w->tbMyLoc->setText(QStringLiteral("JO62QM"));
     w->tbFremdLoc->setFocus();
     w->tbFremdLoc->setText(QStringLiteral("  JO31  "));
     QTest::keyClick(w->tbFremdLoc, Qt::Key_Return);
@@ -318,6 +320,71 @@ class tst_frmMain : public QObject {
     w->findChild<QAction*>(QStringLiteral("Rechnen"))->trigger();
     QCOMPARE(boxes.count(), 1);
     QCOMPARE(boxes.last().title, QStringLiteral(" Unvollständige Eingabe !"));
+  }
+
+  void tickStartsNoPollWhileEntryIsLocked() {
+    IsolatedUser user;
+    QSettings(user.configFile(), QSettings::IniFormat)
+        .setValue("Ports/Com1", user.path() + QStringLiteral("/no-such-device"));
+    Program program;
+    frmMain* w = program.window();
+    program.state().GpsStatus = QStringLiteral("GPS an");
+    MsgBoxRecorder boxes;
+    w->lbInfo->setText(QStringLiteral("vorher"));
+    w->tbMyLoc->setEnabled(false);
+    w->Timer1_Timer();
+    QCOMPARE(w->lbInfo->text(), QStringLiteral("vorher"));
+    w->tbMyLoc->setEnabled(true);
+    w->Timer1_Timer();
+    QVERIFY2(w->lbInfo->text().startsWith(QStringLiteral("1. Versuch/3 : ")), qPrintable(w->lbInfo->text()));
+    QVERIFY(w->tbMyLoc->isEnabled());  // the poll unlocked the entry again
+    QCOMPARE(boxes.count(), 0);
+  }
+
+  void closingInsideAPollWaitsForItsEnd() {
+    IsolatedUser user;
+    Program program;
+    frmMain* w = program.window();
+    Module1& s = program.state();
+    s.GpsStatus = QStringLiteral("GPS an");
+    s.BusyPort = s.ComNumber;  // the poll asks before it opens the port
+    QStringList order;
+    bool pollRanAtQuestion = false;
+    auto previous = SetMsgBoxHandler([&](const MsgBoxCall& call) {
+      order << call.prompt.section(u'\n', 0, 0);
+      if (call.title == QStringLiteral(" Achtung")) {
+        pollRanAtQuestion = w->isPolling();
+        w->close();  // the user closes the window while the poll waits for an answer
+      }
+      return int(vbCancel);  // and keeps it at the closing question
+    });
+    w->Timer1_Timer();
+    QCoreApplication::processEvents();
+    SetMsgBoxHandler(previous);
+    QVERIFY(pollRanAtQuestion);
+    QCOMPARE(order, QStringList({QStringLiteral("Schnittstelle wird schon verwendet ( Mouse ? )"),
+                                 QStringLiteral("Programm wirklich beenden ?")}));
+    QVERIFY(w->isVisible());
+  }
+
+  void ctrlAWritesTheHeightReportOnlyWithReceptionOn() {
+    IsolatedUser user;
+    Program program;
+    frmMain* w = program.window();
+    QVERIFY(QTest::qWaitForWindowActive(w));
+    MsgBoxRecorder boxes;
+    w->tbFremdLoc->setFocus();
+    QTest::keyClick(w->tbFremdLoc, Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(boxes.count(), 0);
+    program.state().GpsStatus = QStringLiteral("GPS an");
+    QTest::keyClick(w->tbFremdLoc, Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(boxes.count(), 0);
+    QTest::keyClick(w->tbFremdLoc, Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(boxes.count(), 1);
+    const QString prompt = boxes.last().prompt;
+    QVERIFY2(prompt.endsWith(QStringLiteral("HoeheAusw.txt\nerfolgreich erstellt.")), qPrintable(prompt));
+    const QString path = prompt.mid(6, prompt.indexOf(u'\n') - 6);
+    QVERIFY(QFile::remove(path));
   }
 
   void gpsHeightWithReceptionOffOnlyTells() {

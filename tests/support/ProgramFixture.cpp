@@ -13,11 +13,16 @@ IsolatedUser::IsolatedUser() : m_config(qgetenv("XDG_CONFIG_HOME")), m_runtime(q
                                           QFileDevice::ExeOwner);
   qputenv("XDG_CONFIG_HOME", m_dir.path().toLocal8Bit());
   qputenv("XDG_RUNTIME_DIR", m_dir.path().toLocal8Bit());
+  // QSettings keeps the user folder it found first; tell it the new one.
+  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_dir.path());
+  QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, m_dir.path());
 }
 
 IsolatedUser::~IsolatedUser() {
   qputenv("XDG_CONFIG_HOME", m_config);
   qputenv("XDG_RUNTIME_DIR", m_runtime);
+  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QString::fromLocal8Bit(m_config));
+  QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, QString::fromLocal8Bit(m_config));
 }
 
 QString IsolatedUser::configFile() const {
@@ -32,6 +37,12 @@ std::optional<QString> IsolatedUser::stored(const QString& key) const {
 }
 
 Program::Program() {
+  // A test that runs into the second-instance guard by mistake must fail, not end quietly.
+  static const bool guarded = [] {
+    frmMain::exitProcess() = [] { qFatal("the second-instance guard ended the test program"); };
+    return true;
+  }();
+  (void)guarded;
   State() = Module1{};
   Main();
   m_window = State().MainForm;
