@@ -1,5 +1,6 @@
 #include "app/Module1.h"
 
+#include "app/Icons.h"
 #include "app/SettingsStore.h"
 #include "app/frmMain.h"
 #include "locator/QraToCoords.h"
@@ -22,6 +23,8 @@ void Main() {
   QApplication::setApplicationName(QStringLiteral("Marvento"));
   QApplication::setOrganizationName(QStringLiteral("Marvento"));
   QApplication::setApplicationVersion(QStringLiteral("4.4.0"));
+  QApplication::setWindowIcon(AppIcon());
+  QGuiApplication::setDesktopFileName(QStringLiteral("org.marvento.Marvento"));
 
   Module1& state = State();
   state.MainForm = new frmMain(state);
