@@ -488,13 +488,16 @@ void frmMain::mnuGPS_Höhe_Click() {
 }
 
 void frmMain::mnuGrundeinstellungen_Click() {
-  if (m_state.GpsStatus == kGpsAn && Timer1->isActive()) Timer1->stop();
+  const bool ticking = m_state.GpsStatus == kGpsAn && Timer1->isActive();
+  if (ticking) Timer1->stop();
   QCoreApplication::processEvents();
   {
     const OptionsTargets targets{Timer1, MSComm1, lbInfo, this, tbMyLg, tbMyBr, tbFremdLg, tbFremdBr};
     frmOptions options(m_state, targets, this);
     options.exec();
   }
+  // Abbrechen leaves reception as it was, ticking included; OK has set the timer itself.
+  if (ticking && m_state.GpsStatus == kGpsAn) SetTimerEnabled(Timer1, true);
   activateAfterDialog();
   QCoreApplication::processEvents();
   Panel1->setText(statusText());

@@ -5,6 +5,7 @@
 #include "support/ProgramFixture.h"
 
 #include <QComboBox>
+#include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLockFile>
@@ -365,6 +366,29 @@ class tst_frmMain : public QObject {
     QCOMPARE(order, QStringList({QStringLiteral("Schnittstelle wird schon verwendet ( Mouse ? )"),
                                  QStringLiteral("Programm wirklich beenden ?")}));
     QVERIFY(w->isVisible());
+  }
+
+  void settingsCancelledKeepReceptionTicking() {
+    IsolatedUser user;
+    QSettings(user.configFile(), QSettings::IniFormat)
+        .setValue("Ports/Com1", user.path() + QStringLiteral("/no-such-device"));
+    Program program;
+    frmMain* w = program.window();
+    program.state().GpsStatus = QStringLiteral("GPS an");
+    w->Timer1->start();
+    MsgBoxRecorder boxes;
+    QTimer closer;
+    QObject::connect(&closer, &QTimer::timeout, w, [w] {
+      auto* dialog = w->findChild<QDialog*>(QStringLiteral("frmOptions"));
+      if (dialog && dialog->isVisible()) dialog->reject();
+    });
+    closer.start(20);
+    w->mnuGrundeinstellungen->trigger();
+    QVERIFY(w->Timer1->isActive());
+    QCOMPARE(program.state().GpsStatus, QStringLiteral("GPS an"));
+    // The activation and the command itself each polled the missing device once.
+    QCOMPARE(w->lbInfo->text().left(12), QStringLiteral("2. Versuch/3"));
+    QCOMPARE(w->Panel1->text(), QStringLiteral("Status: GPS an (Com1)"));
   }
 
   void ctrlAWritesTheHeightReportOnlyWithReceptionOn() {
