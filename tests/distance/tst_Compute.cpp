@@ -424,17 +424,12 @@ void tst_Compute::strangeInput_data() {
   const QStringList texts = {
       QString(10000, u'A'),
       QString(10000, u'9'),
-      QString(5000, u'9') + "°" + QString(5000, u'9') + "'9\"",
       "13°" + QString(10000, u'\'') + "\"",
       "jo" + nul + "2qm",
-      "ÄÖÜßäöü",
       QString::fromUtf16(u"\U0001F4E1\U0001F4E1\U0001F4E1"),
       QString(QChar(0xD800)) + "o62qm",
       "-1E999",
-      "1E-999",
       "-°'\"",
-      "'°\"",
-      "\t\n",
       "RR99XX99XX",
   };
   for (int field = 0; field < 6; ++field) {
