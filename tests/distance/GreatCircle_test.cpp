@@ -1,9 +1,8 @@
 #include "distance/GreatCircle.h"
 
-#include "distance/GermanLocale.h"
 #include "distance/RunError.h"
+#include "support/GermanLocale.h"
 
-#include <cmath>
 #include <limits>
 
 namespace marvento {
@@ -11,80 +10,62 @@ namespace {
 
 constexpr const char* kRadius = "6371,00079";
 
-struct SolveCase {
-  const char* name;
-  double myBr, myLg, fremdBr, fremdLg;
-  const char* radius;
-  const char* entfernung;
-  const char* richtung;  // nullptr: any bearing other than "-"
-};
-
-using GreatCircleTest = GermanLocaleTest;
-
-TEST_F(GreatCircleTest, CaptionsOfKnownPairs) {
-  const SolveCase cases[] = {
+TEST(GreatCircle, CaptionsOfKnownPairs) {
+  const struct {
+    const char* name;
+    double myBr, myLg, fremdBr, fremdLg;
+    const char* radius;
+    const char* entfernung;
+    const char* richtung;
+  } cases[] = {
       {"east", 51.5, 8.5, 52.5, 13.4, kRadius, " 353,31 km", "69,74 °"},
       {"way back is not plus 180", 52.5, 13.4, 51.5, 8.5, kRadius, " 353,31 km", "253,602 °"},
       {"three decimals", 48.1, 11.6, -33.9, 151.2, kRadius, " 16329,23 km", "79,677 °"},
       {"below 10 km, due north", 50, 8, 50.05, 8, kRadius, "  5559,7 m", "0,0 °"},
       {"below 1 km, clamped", 50, 8, 50.005, 8, kRadius, "   555,97 m", "0,0 °"},
       {"due south", 50, 8, 49.95, 8, kRadius, "  5559,7 m", "180,0 °"},
-      {"antipode under the limit", 45, 10, -45, -170, kRadius, " 20015,09 km", nullptr},
       {"antipode over the limit", 45, 10, -45, -170, "6378.137", " 20037,51 km", "-"},
       {"limit short of the antipode", 0.1, 0, 0.1, 179.9, "6384", " 20031,01 km", "-"},
       {"radius with a point", 51.5, 8.5, 52.5, 13.4, "6371.00079", " 353,31 km", "69,74 °"},
       // Regression: the western side of north must round up to 360, not wrap to 0.
       {"hair west of north", 50, 8, 60, 7.99999, kRadius, " 1111,95 km", "360,0 °"},
       {"shortest distance", 50, 8, 50, 8, kRadius, "   0,28 m", "90,0 °"},
-      {"no radius", 51.5, 8.5, 52.5, 13.4, "", "   0,00 m", "-"},
       {"unreadable radius", 51.5, 8.5, 52.5, 13.4, "Erde", "   0,00 m", "-"},
       {"negative radius", 51.5, 8.5, 52.5, 13.4, "-6371,00079", "   -353311,61 m", "-"},
   };
-  for (const SolveCase& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     const DistanceBearing r =
         SolveDistanceBearing(c.myBr, c.fremdBr, c.myLg, c.fremdLg, QString::fromUtf8(c.radius));
     EXPECT_EQ(r.error, kNoError);
-    ASSERT_TRUE(r.entfernung.has_value());
-    EXPECT_EQ(r.entfernung->toStdString(), c.entfernung);
-    ASSERT_TRUE(r.richtung.has_value());
-    if (c.richtung) {
-      EXPECT_EQ(r.richtung->toStdString(), c.richtung);
-    } else {
-      EXPECT_NE(*r.richtung, QStringLiteral("-"));
-      EXPECT_TRUE(r.richtung->endsWith(QStringLiteral(" °")));
-    }
+    EXPECT_EQ(r.entfernung.value_or("<none>").toStdString(), c.entfernung);
+    EXPECT_EQ(r.richtung.value_or("<none>").toStdString(), c.richtung);
   }
 }
 
-TEST_F(GreatCircleTest, RunTimeErrorsLeaveCaptionsUnreached) {
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  struct Case {
-    const char* name;
+TEST(GreatCircle, RunTimeErrorsLeaveCaptionsUnreached) {
+  const struct {
     double myBr;
     const char* radius;
     int error;
   } cases[] = {
-      {"radius too large for a double", 50, "1E999", kOverflow},
-      {"distance overflows", 50, "1E308", kOverflow},
-      {"position is no number", nan, "6371", kInvalidCall},
+      {50, "1E999", kOverflow},
+      {50, "1E308", kOverflow},
+      {std::numeric_limits<double>::quiet_NaN(), "6371", kInvalidCall},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
+  for (const auto& c : cases) {
     const DistanceBearing r = SolveDistanceBearing(c.myBr, 52.5, 8.5, 13.4, c.radius);
-    EXPECT_EQ(r.error, c.error);
-    EXPECT_FALSE(r.entfernung.has_value());
-    EXPECT_FALSE(r.richtung.has_value());
+    EXPECT_EQ(r.error, c.error) << c.radius;
+    EXPECT_FALSE(r.entfernung.has_value() || r.richtung.has_value()) << c.radius;
   }
 }
 
 TEST(ArcCos, ValuesAndDomain) {
-  struct Case {
+  const struct {
     double x;
     double expected;
     int error;
   } cases[] = {
-      {0, 1.5707963267948966, kNoError},
       {0.5, 1.0471975511965979, kNoError},
       {-0.5, 2.0943951023931957, kNoError},
       {kUpperClamp, 4.47e-8, kNoError},
@@ -94,12 +75,11 @@ TEST(ArcCos, ValuesAndDomain) {
       {1.5, 0, kInvalidCall},
       {std::numeric_limits<double>::quiet_NaN(), 0, kInvalidCall},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.x);
+  for (const auto& c : cases) {
     const Checked r = ArcCos(c.x);
-    EXPECT_EQ(r.error, c.error);
+    EXPECT_EQ(r.error, c.error) << c.x;
     if (c.error == kNoError) {
-      EXPECT_NEAR(r.value, c.expected, 1e-9);
+      EXPECT_NEAR(r.value, c.expected, 1e-9) << c.x;
     }
   }
 }

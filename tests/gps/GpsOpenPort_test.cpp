@@ -9,11 +9,7 @@
 #include "support/Pty.h"
 
 #include <gtest/gtest.h>
-#include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QTemporaryDir>
-
-#include <memory>
 
 namespace marvento {
 namespace {
@@ -21,31 +17,6 @@ namespace {
 using test::Piece;
 using test::Pty;
 using test::PtyFeeder;
-
-// The serial port needs an application object, and the port map a private settings folder.
-class GpsQtEnvironment : public ::testing::Environment {
- public:
-  GpsQtEnvironment() {
-    if (qEnvironmentVariableIsEmpty("XDG_CONFIG_HOME")) {
-      qputenv("XDG_CONFIG_HOME", m_config.path().toLocal8Bit());
-    }
-  }
-  void SetUp() override {
-    if (QCoreApplication::instance() == nullptr) {
-      m_app = std::make_unique<QCoreApplication>(m_argc, m_argv);
-    }
-  }
-
- private:
-  QTemporaryDir m_config;
-  int m_argc = 1;
-  char m_name[16] = "marvento_unit";
-  char* m_argv[2] = {m_name, nullptr};
-  std::unique_ptr<QCoreApplication> m_app;
-};
-
-[[maybe_unused]] const auto* const kEnvironment =
-    ::testing::AddGlobalTestEnvironment(new GpsQtEnvironment);
 
 const QByteArray kGga = "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n";
 const QByteArray kGsa = "$GPGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1*39\r\n";
@@ -58,8 +29,9 @@ const QString kFast = QStringLiteral("4000000,N,8,1");
 const QString kMedium = QStringLiteral("921600,N,8,1");
 // What is written before the port is open may be dropped by the opening.
 constexpr int kOpenMs = 60;
-// 1.76 s, longer than the 0.864 s an exchange runs on after other "$GP" sentences.
+// 1.76 s and 1.02 s, longer than the 0.864 s an exchange runs on after other "$GP" sentences.
 const QString kSlow = QStringLiteral("38400,N,8,1");
+const QString kQuick = QStringLiteral("115200,N,8,1");
 
 class GpsOpenPortTest : public ::testing::Test {
  protected:
@@ -97,14 +69,12 @@ struct StreamCase {
 TEST_F(GpsOpenPortTest, TakesTheFirstWholeSentenceOfAKnownType) {
   const QByteArray burst = kGga + kGsa + kGsv + kRmc + kGll;
   const QByteArray midGga = kGga.mid(30) + kGsa + kRmc + kGll + kGsv;
-  const QByteArray noRmc = kGsv + kGll + kGsa + kGga + kGsv;
   const QByteArray head = kGsv + kGsv + kGsa + kGsa + "$GPGGA,1235";
   const QByteArray junk = QByteArray("$GNGSA,A,3,,,,,,,,,,,,,1.0,1.0,1.0*00\r\n").repeated(8);
   const QByteArray tail = kGga.mid(11) + kRmc + kGll + kGsv;
   const StreamCase cases[] = {
       {"burst GGA GSA GSV RMC GLL", {{kOpenMs, burst}}, kGga, burst},
       {"opened in the middle of a GGA", {{kOpenMs, midGga}}, kRmc, midGga},
-      {"no RMC in the receive text", {{kOpenMs, noRmc}}, kGll, ""},
       {"sentence split between reads",
        {{kOpenMs, kGsv + kGsv + kGsa + kGga.left(40)},
         {50, kGga.mid(40) + kRmc + kGll + kGsv + kGsv}},
@@ -139,7 +109,7 @@ TEST_F(GpsOpenPortTest, GivesUpWhenNoSentenceComesInTime) {
       // Other "$GP" sentences move the deadline to 0.864 s after the chunk...
       {"one chunk of other sentences", kSlow, {{kOpenMs, gsv4}}, 900, 1500},
       // ...but never beyond the first deadline, however long the stream lasts.
-      {"endless other sentences", kSlow, test::Repeat(gsv4, 100, 4000), 1700, 2400},
+      {"endless other sentences", kQuick, test::Repeat(gsv4, 100, 3000), 1000, 1600},
   };
   for (const TimeoutCase& c : cases) {
     SCOPED_TRACE(c.name);
@@ -154,49 +124,33 @@ TEST_F(GpsOpenPortTest, GivesUpWhenNoSentenceComesInTime) {
 
 TEST_F(GpsOpenPortTest, WaitFollowsTheRate) {
   const std::pair<double, double> cases[] = {
-      {1200, 9.98},  {2400, 7.05},  {4800, 4.99},  {9600, 3.53},
-      {19200, 2.49}, {38400, 1.76}, {57600, 1.44}, {115200, 1.02},
-  };
+      {1200, 9.98}, {4800, 4.99}, {38400, 1.76}, {115200, 1.02}};
   for (const auto& [baud, seconds] : cases) {
     EXPECT_NEAR(ExchangeWaitMs(baud) / 1000.0, seconds, 0.005) << baud;
   }
 }
 
+// Cancel leaves the port untouched; OK goes on with the exchange.
 TEST_F(GpsOpenPortTest, BusyPortQuestion) {
-  {
-    MsgBoxRecorder boxes;
-    boxes.answer(vbCancel);
-    m_state.BusyPort = 1;
-    ASSERT_TRUE(m_comm.setCommPort(5).ok());
-    EXPECT_EQ(exchange(), QStringLiteral("!Bitte andere Schnittstelle auswählen"));
-    ASSERT_EQ(boxes.count(), 1);
-    EXPECT_EQ(
-        boxes.last().prompt,
-        QStringLiteral("Schnittstelle wird schon verwendet ( Mouse ? )\nTrotzdem versuchen ?"));
-    EXPECT_EQ(boxes.last().style, 49);
-    EXPECT_EQ(boxes.last().title, QStringLiteral(" Achtung"));
-    EXPECT_EQ(boxes.beeps(), 0);
-    // The port has not been touched.
-    EXPECT_EQ(m_comm.commPort(), 5);
-    EXPECT_FALSE(m_comm.portOpen());
-    EXPECT_LT(m_elapsedMs, 100);
-  }
-  {
-    MsgBoxRecorder boxes;
-    boxes.answer(vbOK);
-    PtyFeeder feeder(m_pty, {{kOpenMs, kGga + kGsa + kGsv + kRmc}});
-    EXPECT_EQ(exchange(), QString::fromLatin1(kGga));
-    EXPECT_EQ(boxes.count(), 1);
-  }
-  {
-    // Port 0 and no port found busy: the two are equal, so the question comes.
-    MsgBoxRecorder boxes;
-    m_state.BusyPort = 0;
-    const QString result = exchange(kFast, 0);
-    EXPECT_EQ(boxes.count(), 1);
-    EXPECT_TRUE(result.startsWith(u'!'));
-    EXPECT_NE(result, QStringLiteral("!Zur Zeit kein GPS-Empfang"));
-  }
+  MsgBoxRecorder boxes;
+  boxes.answer(vbCancel);
+  boxes.answer(vbOK);
+  m_state.BusyPort = 1;
+  ASSERT_TRUE(m_comm.setCommPort(5).ok());
+  EXPECT_EQ(exchange(), QStringLiteral("!Bitte andere Schnittstelle auswählen"));
+  ASSERT_EQ(boxes.count(), 1);
+  EXPECT_EQ(boxes.last().prompt,
+            QStringLiteral("Schnittstelle wird schon verwendet ( Mouse ? )\nTrotzdem versuchen ?"));
+  EXPECT_EQ(boxes.last().style, 49);
+  EXPECT_EQ(boxes.last().title, QStringLiteral(" Achtung"));
+  EXPECT_EQ(boxes.beeps(), 0);
+  EXPECT_EQ(m_comm.commPort(), 5);
+  EXPECT_FALSE(m_comm.portOpen());
+  EXPECT_LT(m_elapsedMs, 100);
+
+  PtyFeeder feeder(m_pty, {{kOpenMs, kGga + kGsa + kGsv + kRmc}});
+  EXPECT_EQ(exchange(), QString::fromLatin1(kGga));
+  EXPECT_EQ(boxes.count(), 2);
 }
 
 TEST_F(GpsOpenPortTest, PortStates) {

@@ -7,6 +7,7 @@
 #include "gps/GpsOpenPort.h"
 #include "gps/SentenceDecoding.h"
 #include "platform/CommControl.h"
+#include "support/GermanLocale.h"
 #include "support/Pty.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +16,6 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QLocale>
 
 #include <cmath>
 
@@ -52,17 +52,11 @@ bool knownSentence(const QString& line) {
 class NmeaCorpus : public ::testing::Test {
  protected:
   void SetUp() override {
-    m_saved = QLocale();
-    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
     if (corpusFiles(QStringLiteral("*.log")).isEmpty()) {
       GTEST_SKIP() << "NMEA captures not found at '" << corpusDir().toStdString()
                    << "'; the receiver replays are skipped";
     }
   }
-  void TearDown() override { QLocale::setDefault(m_saved); }
-
- private:
-  QLocale m_saved;
 };
 
 TEST_F(NmeaCorpus, PositionsAgreeWithGpsd) {

@@ -1,26 +1,12 @@
 #include "gps/SentenceDecoding.h"
 
 #include "QtPrinters.h"
-
-#include <gtest/gtest.h>
-#include <QLocale>
+#include "support/GermanLocale.h"
 
 #include <optional>
 
 namespace marvento {
 namespace {
-
-class GermanLocale : public ::testing::Test {
- protected:
-  void SetUp() override {
-    m_saved = QLocale();
-    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-  }
-  void TearDown() override { QLocale::setDefault(m_saved); }
-
- private:
-  QLocale m_saved;
-};
 
 QString q(const char* text) {
   return QString::fromUtf8(text);
@@ -32,6 +18,9 @@ std::optional<QString> opt(const char* text) {
 }
 
 const char* const kNoChange = nullptr;
+const char* const kBad = "Schlechter Empfang oder zu geringe Anzahl an Satteliten !";
+
+using SK = SentenceKind;
 
 struct InfoCase {
   const char* name;
@@ -45,86 +34,48 @@ struct InfoCase {
 };
 
 // What lbInfo and lbKurs get, and how far decoding goes, for each kind of sentence.
-TEST_F(GermanLocale, InfoLineCourseAndHowFarDecodingGoes) {
+TEST(SentenceDecoding, InfoLineCourseAndHowFarDecodingGoes) {
   const InfoCase cases[] = {
       {"good GGA", "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n", "",
-       SentenceKind::Gga, "GPS - Antennenhöhe: 545,4 m ü. NN (8)", true, true, ""},
-      {"GGA no fix, field text kept", "$GPGGA,123519,,,,,0,07,,,,,,,*47\r\n", "", SentenceKind::Gga,
+       SK::Gga, "GPS - Antennenhöhe: 545,4 m ü. NN (8)", true, true, ""},
+      {"GGA no fix, field text kept", "$GPGGA,123519,,,,,0,07,,,,,,,*47\r\n", "", SK::Gga,
        "Schlechter Empfang! (07)", false, false, ""},
-      {"GGA no fix, two sats formatted", "$GPGGA,123519,,,,,0,02,,,,,,,*47\r\n", "",
-       SentenceKind::Gga, "Zu geringe Anzahl an Satteliten! (2)", false, false, ""},
-      {"GGA no fix, three sats are enough", "$GPGGA,123519,,,,,0,3,,,,,,,*47\r\n", "",
-       SentenceKind::Gga, "Schlechter Empfang! (3)", false, false, ""},
-      {"GGA no fix, empty sats", "$GPGGA,123519,,,,,0,,,,,,,,*47\r\n", "", SentenceKind::Gga,
-       "Zu geringe Anzahl an Satteliten! (0)", false, false, ""},
-      {"GGA cut before quality", "$GPGGA,123519,4807.038,N", "", SentenceKind::Gga,
-       "Zu geringe Anzahl an Satteliten! (0)", false, false, ""},
-      {"GGA fix, empty position", "$GPGGA,123519,,,,,1,05,,12.0,M,,,,*47\r\n", "",
-       SentenceKind::Gga, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true, false,
-       ""},
+      {"GGA no fix, two sats formatted", "$GPGGA,123519,,,,,0,02,,,,,,,*47\r\n", "", SK::Gga,
+       "Zu geringe Anzahl an Satteliten! (2)", false, false, ""},
+      {"GGA no fix, three sats are enough", "$GPGGA,123519,,,,,0,3,,,,,,,*47\r\n", "", SK::Gga,
+       "Schlechter Empfang! (3)", false, false, ""},
+      {"GGA fix, empty position", "$GPGGA,123519,,,,,1,05,,12.0,M,,,,*47\r\n", "", SK::Gga, kBad,
+       true, false, ""},
       {"GGA no fix skips the RMC line", "$GPGGA,123519,,,,,0,07,,,,,,,*47\r\n",
        "$GPGGA,123519,,,,,0,07,,,,,,,*47\r\n$GPRMC,123519,A,4807.038,N,01131.000,E,12.5,84.4,,,*6A"
        "\r\n$GPGLL",
-       SentenceKind::Gga, "Schlechter Empfang! (07)", false, false, ""},
+       SK::Gga, "Schlechter Empfang! (07)", false, false, ""},
       {"RMC status V", "$GPRMC,123519,V,4807.038,N,01131.000,E,022.4,084.4,230394,,*6A\r\n", "",
-       SentenceKind::Rmc, kNoChange, false, false, ""},
-      {"RMC status a in lower case", "$GPRMC,123519,a,4807.038,N,01131.000,E,022.4,084.4*6A", "",
-       SentenceKind::Rmc, kNoChange, false, false, ""},
+       SK::Rmc, kNoChange, false, false, ""},
       {"RMC valid", "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A\r\n", "",
-       SentenceKind::Rmc, kNoChange, true, true, "GPS - Geschwindigkeit: 22,4 Kn  Kurs: 84,4 °"},
+       SK::Rmc, kNoChange, true, true, "GPS - Geschwindigkeit: 22,4 Kn  Kurs: 84,4 °"},
       {"RMC speed 0 clears the course line",
-       "$GPRMC,123519,A,4807.038,N,01131.000,E,0.0,084.4,230394,003.1,W*6A\r\n", "",
-       SentenceKind::Rmc, kNoChange, true, true, " "},
-      {"RMC without status field passes the test", "$GPRMC,123519", "", SentenceKind::Rmc,
-       "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true, false, " "},
-      {"RMC speed without course", "$GPRMC,123519,A,4807.038,N,01131.000,E,12.5", "",
-       SentenceKind::Rmc, kNoChange, true, true, "GPS - Geschwindigkeit: 12,5 Kn  Kurs:  °"},
-      {"GLL status with checksum", "$GPGLL,4916.45,N,12311.12,W,225444,A*1D\r\n", "",
-       SentenceKind::Gll, "", true, true, ""},
-      {"GLL status V", "$GPGLL,4916.45,N,12311.12,W,225444,V*1D\r\n", "", SentenceKind::Gll, "",
-       false, false, ""},
-      {"GLL empty status field", "$GPGLL,4916.45,N,12311.12,W,225444,", "", SentenceKind::Gll, "",
-       false, false, ""},
+       "$GPRMC,123519,A,4807.038,N,01131.000,E,0.0,084.4,230394,003.1,W*6A\r\n", "", SK::Rmc,
+       kNoChange, true, true, " "},
+      {"RMC without status field passes the test", "$GPRMC,123519", "", SK::Rmc, kBad, true, false,
+       " "},
+      {"GLL status with checksum", "$GPGLL,4916.45,N,12311.12,W,225444,A*1D\r\n", "", SK::Gll, "",
+       true, true, ""},
+      {"GLL status V", "$GPGLL,4916.45,N,12311.12,W,225444,V*1D\r\n", "", SK::Gll, "", false, false,
+       ""},
       {"GLL without status field passes the test", "$GPGLL,4916.45,N,12311.12,W,225444", "",
-       SentenceKind::Gll, "", true, true, ""},
+       SK::Gll, "", true, true, ""},
       {"GLL with an RMC behind it", "$GPGLL,4916.45,N,12311.12,W,225444,A*1D\r\n",
        "$GPGLL,4916.45,N,12311.12,W,225444,A*1D\r\n$GPRMC,225444,A,4916.45,N,12311.12,W,"
        "1234.125,359.99,,,*00\r\n$GPGSA",
-       SentenceKind::Gll, "", true, true, "GPS - Geschwindigkeit: 1234,125 Kn  Kurs: 359,99 °"},
-      {"RMC line not valid", "$GPGLL,4916.45,N,12311.12,W,225444,A*1D\r\n",
-       "$GPGLL,4916.45,N,12311.12,W,225444,A*1D\r\n$GPRMC,225444,V,,,,,5.0,1.0*00\r\n$GPGSA",
-       SentenceKind::Gll, "", true, true, ""},
-      {"RMC line without a successor", "$GPGLL,4916.45,N,12311.12,W,225444,A*1D\r\n",
-       "$GPGLL,4916.45,N,12311.12,W,225444,A*1D\r\n$GPRMC,225444,A,,,,,5.0,1.0*00\r\n",
-       SentenceKind::Gll, "", true, true, ""},
-      {"RMC line cut before speed",
-       "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47",
-       "$GPGGA,...\r\n$GPRMC,1\r\n$GPGSV", SentenceKind::Gga,
-       "GPS - Antennenhöhe: 545,4 m ü. NN (8)", true, true, " "},
-      {"longitude 0 is refused", "$GPGLL,4916.45,N,00000.0000,E,225444,A*1D\r\n", "",
-       SentenceKind::Gll, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true, false,
-       ""},
-      {"latitude 90 is refused", "$GPGLL,9000.000,N,01131.000,E,225444,A*1D\r\n", "",
-       SentenceKind::Gll, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true, false,
-       ""},
-      {"longitude 180 is refused", "$GPGLL,4807.038,N,18000.000,W,225444,A*1D\r\n", "",
-       SentenceKind::Gll, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true, false,
-       ""},
-      {"position without point is refused", "$GPGLL,4807,N,01131,E,225444,A*1D\r\n", "",
-       SentenceKind::Gll, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true, false,
-       ""},
-      {"garbage in the position", "$GPGGA,123519,xx.yy,N,#.?,E,1,08,0.9,545.4,M*47", "",
-       SentenceKind::Gga, "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", true, false,
-       ""},
-      {"other type", "$GPGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1*39\r\n", "", SentenceKind::Other,
+       SK::Gll, "", true, true, "GPS - Geschwindigkeit: 1234,125 Kn  Kurs: 359,99 °"},
+      {"longitude 0 is refused", "$GPGLL,4916.45,N,00000.0000,E,225444,A*1D\r\n", "", SK::Gll, kBad,
+       true, false, ""},
+      {"other type", "$GPGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1*39\r\n", "", SK::Other, "",
+       false, false, ""},
+      {"other talker", "$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M*47", "", SK::Other,
        "", false, false, ""},
-      {"leading blank", " $GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M*47", "",
-       SentenceKind::Other, "", false, false, ""},
-      {"other talker", "$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M*47", "",
-       SentenceKind::Other, "", false, false, ""},
-      {"no valid data text", "Keine gültigen GPS-Daten", "", SentenceKind::Other, "", false, false,
-       ""},
-      {"empty", "", "", SentenceKind::Other, "", false, false, ""},
+      {"empty", "", "", SK::Other, "", false, false, ""},
   };
   for (const InfoCase& c : cases) {
     SCOPED_TRACE(c.name);
@@ -148,7 +99,7 @@ struct PositionCase {
   const char* lgDecimal;
 };
 
-TEST_F(GermanLocale, PositionTextsInBothForms) {
+TEST(SentenceDecoding, PositionTextsInBothForms) {
   const PositionCase cases[] = {
       {"worked example", "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47",
        48.1173, 11.0 + 31.0 / 60, " 48° 07' 2,28\"", " 11° 31' 0,0\"", " 48,1173",
@@ -161,17 +112,9 @@ TEST_F(GermanLocale, PositionTextsInBothForms) {
       {"lower-case hemisphere counts as south", "$GPGLL,4916.45,n,12311.12,e,225444,A*1D",
        49.274166666666666, 123.18533333333333, "-49° 16' 27,0\"", "-123° 11' 7,2\"",
        "-49,2741666666667", "-123,185333333333"},
-      {"empty hemisphere", "$GPGLL,4916.45,,12311.12,,225444,A*1D", 49.274166666666666,
-       123.18533333333333, "-49° 16' 27,0\"", "-123° 11' 7,2\"", "-49,2741666666667",
-       "-123,185333333333"},
       {"seconds round up to 60 without carrying", "$GPGLL,4807.999992,N,01131.5,E,225444,A",
        48.0 + 7.0 / 60 + 60.0 / 3600, 11.525, " 48° 07' 60,0\"", " 11° 31' 30,0\"",
        " 48,1333333333333", " 11,525"},
-      {"a digit missing", "$GPGLL,807.038,N,1131.000,E,225444,A", 8.1173, 11.0 + 31.0 / 60,
-       " 8° 07' 2,28\"", " 11° 31' 0,0\"", " 8,1173", " 11,5166666666667"},
-      {"seconds rounded to three places", "$GPGLL,4807.03812345,N,01131.00001,E,225444,A",
-       48.0 + 7.0 / 60 + 2.287 / 3600, 11.0 + 31.0 / 60 + 0.001 / 3600, " 48° 07' 2,287\"",
-       " 11° 31' 0,001\"", " 48,1173019444444", " 11,5166669444444"},
   };
   for (const PositionCase& c : cases) {
     SCOPED_TRACE(c.name);
@@ -194,18 +137,13 @@ struct AxisCase {
   const char* sec;
 };
 
-TEST_F(GermanLocale, AxisTextsAndSkippedSteps) {
+TEST(SentenceDecoding, AxisTextsAndSkippedSteps) {
   const AxisCase cases[] = {
       {"0807.038", false, "08", "07", "2,28"},
-      {"00807.038", true, "8", "07", "2,28"},
-      {"01131.000", true, "11", "31", "0,0"},
-      {"807.038", false, "8", "07", "2,28"},
       {"07.5", false, "", "07", "30,0"},
       {"07.5", true, "0", "07", "30,0"},
       {"7.5", false, "", "", ""},
-      {".5", true, "", "", ""},
       {"4807", false, "", "", ""},
-      {"", false, "", "", ""},
       {"4807.038.1", false, "48", "07", "2,28"},
   };
   for (const AxisCase& c : cases) {
@@ -217,7 +155,7 @@ TEST_F(GermanLocale, AxisTextsAndSkippedSteps) {
   }
 }
 
-TEST_F(GermanLocale, HeightSampleOnlyForAFix) {
+TEST(SentenceDecoding, HeightSampleOnlyForAFix) {
   const DecodedSentence fix = DecodeSentence(
       q("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n"), {});
   ASSERT_TRUE(fix.heightSample);
@@ -237,18 +175,16 @@ TEST_F(GermanLocale, HeightSampleOnlyForAFix) {
       DecodeSentence(q("$GPGGA,123519,4807.038,N,01131.000,E,0,08,0.9,545.4,M"), {}).heightSample);
 }
 
-TEST_F(GermanLocale, RmcLineFromTheReceiveText) {
+TEST(SentenceDecoding, RmcLineFromTheReceiveText) {
   const std::pair<const char*, const char*> cases[] = {
       {"$GPGGA,1\r\n$GPRMC,2,A\r\n$GPGLL,3", "$GPRMC,2,A\r\n"},
       {"$GPRMC,2,A\r\n$GNGSA,4", "$GPRMC,2,A\r\n"},
-      {"xx$GPRMC,2,A\r\n", ""},
       {"$GPGGA,1\r\n", ""},
-      {"", ""},
   };
   for (const auto& [raw, line] : cases) EXPECT_EQ(FindRmcLine(q(raw)), q(line)) << raw;
 }
 
-TEST_F(GermanLocale, TimeStepNeedsANumericField) {
+TEST(SentenceDecoding, TimeStepNeedsANumericField) {
   const std::pair<const char*, bool> cases[] = {
       {"$GPGLL,4916.45,N,12311.12,W,225444.00,A", true},
       {"$GPGLL,4916.45,N,12311.12,W,,A", false},
@@ -261,7 +197,7 @@ TEST_F(GermanLocale, TimeStepNeedsANumericField) {
   }
 }
 
-TEST_F(GermanLocale, PlaceholdersAndCourseLine) {
+TEST(SentenceDecoding, PlaceholdersAndCourseLine) {
   EXPECT_EQ(RemotePlaceholders(true).lg, q("-179,999999"));
   EXPECT_EQ(RemotePlaceholders(true).br, q("-89,999999"));
   EXPECT_EQ(RemotePlaceholders(false).lg, q("-179° 59' 59,999\""));

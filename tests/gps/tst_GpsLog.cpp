@@ -24,9 +24,7 @@ class TestGpsLog : public QObject {
   void initTestCase();
   void init();
   void cleanup();
-  void printZones_data();
-  void printZones();
-  void dateText();
+  void printZonesAndDate();
   void whichCallsWrite_data();
   void whichCallsWrite();
   void timerAroundTheWrite();
@@ -77,28 +75,15 @@ void TestGpsLog::cleanup() {
   m_dir.reset();
 }
 
-void TestGpsLog::printZones_data() {
-  QTest::addColumn<QStringList>("items");
-  QTest::addColumn<QString>("line");
-  QTest::newRow("log line") << QStringList{"18.11.2026", "12:35:19", "JO31AB"}
-                            << "18.11.2026    12:35:19      JO31AB";
-  QTest::newRow("empty item keeps its zone") << QStringList{"", "x"} << QString(14, u' ') + "x";
-  QTest::newRow("13 characters") << QStringList{"1234567890123", "x"} << "1234567890123 x";
-  QTest::newRow("a full zone pushes the next on")
-      << QStringList{"12345678901234", "x"} << "12345678901234" + QString(14, u' ') + "x";
-  QTest::newRow("overlong item") << QStringList{"12345678901234567890", "x"}
-                                 << "12345678901234567890" + QString(8, u' ') + "x";
-  QTest::newRow("no trailing blanks") << QStringList{"a"} << "a";
-}
-
-void TestGpsLog::printZones() {
-  QFETCH(QStringList, items);
-  QFETCH(QString, line);
-  QCOMPARE(PrintZones(items), line);
-}
-
-void TestGpsLog::dateText() {
-  QCOMPARE(LogDateText(QDate(2026, 11, 18)), QStringLiteral("18.11.2026"));
+void TestGpsLog::printZonesAndDate() {
+  const std::pair<QStringList, QString> cases[] = {
+      {{"18.11.2026", "12:35:19", "JO31AB"}, "18.11.2026    12:35:19      JO31AB"},
+      {{"", "x"}, QString(14, u' ') + "x"},
+      {{"1234567890123", "x"}, "1234567890123 x"},
+      {{"12345678901234", "x"}, "12345678901234" + QString(14, u' ') + "x"},
+      {{"12345678901234567890", "x"}, "12345678901234567890" + QString(8, u' ') + "x"},
+  };
+  for (const auto& [items, line] : cases) QCOMPARE(PrintZones(items), line);
   QCOMPARE(LogDateText(QDate(2027, 1, 2)), QStringLiteral("02.01.2027"));
 }
 

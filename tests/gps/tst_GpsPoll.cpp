@@ -128,84 +128,69 @@ void TestGpsPoll::cleanup() {
   test::ClearPortDevices();
 }
 
-void TestGpsPoll::goodData_data() {
-  QTest::addColumn<QByteArray>("stream");
-  QTest::addColumn<bool>("gradDezimal");
-  QTest::addColumn<QString>("fremdLoc");
-  QTest::addColumn<QStringList>("fields");  // MyLg, MyBr, FremdLoc, FremdLg, FremdBr
-  QTest::addColumn<QString>("info");
-  QTest::addColumn<QString>("panel2");
-  QTest::addColumn<QString>("kurs");
-  QTest::addColumn<int>("computes");
+const char* const kHeight = "GPS - Antennenhöhe: 545,4 m ü. NN (8)";
+const char* const kCourse = "GPS - Geschwindigkeit: 22,4 Kn  Kurs: 84,4 ° (Stand: 12:35:19)";
+const struct GoodData {
+  const char* name;
+  QByteArray stream;
+  bool gradDezimal;
+  const char* fremdLoc;
+  const char* fields;  // MyLg|MyBr|FremdLoc|FremdLg|FremdBr
+  const char* info;
+  const char* panel2;
+  const char* kurs;
+  int computes;
+} kGoodData[] = {
+    {"GGA, decimal, placeholders", kGga + kGsa + kRmc + kGsv, true, "",
+     " 11,5166666666667| 48,1173|AA00AA|-179,999999|-89,999999", kHeight, "12:35:19", kCourse, 1},
+    {"GGA, degrees, blanks in tbFremdLoc", kGga + kGsa + kRmc + kGsv, false, "   ",
+     " 11° 31' 0,0\"| 48° 07' 2,28\"|AA00AA|-179° 59' 59,999\"|-89° 59' 59,999\"", kHeight,
+     "12:35:19", kCourse, 1},
+    {"remote locator given, its coordinates empty", kGga + kGsa + kRmc + kGsv, true, "JO31AB",
+     " 11,5166666666667| 48,1173|JO31AB||", kHeight, "12:35:19", kCourse, 1},
+    {"RMC rules, no height line", kRmc + kGga + kGsa + kGsv, true, "JO31AB",
+     " 11,5166666666667| 48,1173|JO31AB||", "", "12:35:19", kCourse, 1},
+    {"RMC status V: nothing changes", kRmcV + kGga + kGsa + kGsv, true, "", "||||", "", "",
+     "old course", 0},
+    {"RMC speed 0 clears the course", kRmc0 + kGga + kGsa + kGsv, true, "JO31AB",
+     " 11,5166666666667| 48,1173|JO31AB||", "", "12:35:19", "", 1},
+    {"GGA without position: time, no fix written", kGgaBad + kGsa + kGsv + kGsv, true, "", "||||",
+     "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", "12:35:20", "old course", 0},
+};
 
-  const QString height = QStringLiteral("GPS - Antennenhöhe: 545,4 m ü. NN (8)");
-  const QString course =
-      QStringLiteral("GPS - Geschwindigkeit: 22,4 Kn  Kurs: 84,4 ° (Stand: 12:35:19)");
-  QTest::newRow("GGA, decimal, placeholders")
-      << kGga + kGsa + kRmc + kGsv << true << QString()
-      << QStringList{" 11,5166666666667", " 48,1173", "AA00AA", "-179,999999", "-89,999999"}
-      << height << "12:35:19" << course << 1;
-  QTest::newRow("GGA, degrees, blanks in tbFremdLoc")
-      << kGga + kGsa + kRmc + kGsv << false << QString("   ")
-      << QStringList{" 11° 31' 0,0\"", " 48° 07' 2,28\"", "AA00AA", "-179° 59' 59,999\"",
-                     "-89° 59' 59,999\""}
-      << height << "12:35:19" << course << 1;
-  QTest::newRow("remote locator given, its coordinates empty")
-      << kGga + kGsa + kRmc + kGsv << true << QString("JO31AB")
-      << QStringList{" 11,5166666666667", " 48,1173", "JO31AB", "", ""} << height << "12:35:19"
-      << course << 1;
-  QTest::newRow("RMC rules, no height line")
-      << kRmc + kGga + kGsa + kGsv << true << QString("JO31AB")
-      << QStringList{" 11,5166666666667", " 48,1173", "JO31AB", "", ""} << QString() << "12:35:19"
-      << course << 1;
-  QTest::newRow("RMC status V: nothing changes")
-      << kRmcV + kGga + kGsa + kGsv << true << QString() << QStringList{"", "", "", "", ""}
-      << QString() << QString() << "old course" << 0;
-  QTest::newRow("RMC speed 0 clears the course")
-      << kRmc0 + kGga + kGsa + kGsv << true << QString("JO31AB")
-      << QStringList{" 11,5166666666667", " 48,1173", "JO31AB", "", ""} << QString() << "12:35:19"
-      << QString() << 1;
-  QTest::newRow("GGA without position: time, no fix written")
-      << kGgaBad + kGsa + kGsv + kGsv << true << QString() << QStringList{"", "", "", "", ""}
-      << "Schlechter Empfang oder zu geringe Anzahl an Satteliten !"
-      << "12:35:20"
-      << "old course" << 0;
+void TestGpsPoll::goodData_data() {
+  QTest::addColumn<int>("i");
+  for (int i = 0; i < int(std::size(kGoodData)); ++i) QTest::newRow(kGoodData[i].name) << i;
 }
 
 void TestGpsPoll::goodData() {
-  QFETCH(QByteArray, stream);
-  QFETCH(bool, gradDezimal);
-  QFETCH(QString, fremdLoc);
-  QFETCH(QStringList, fields);
-  QFETCH(QString, info);
-  QFETCH(QString, panel2);
-  QFETCH(QString, kurs);
-  QFETCH(int, computes);
-
-  m_state.GradDezimal = gradDezimal;
-  m_tbFremdLoc.setText(fremdLoc);
-  feed(stream);
+  QFETCH(int, i);
+  const GoodData& c = kGoodData[i];
+  m_state.GradDezimal = c.gradDezimal;
+  m_tbFremdLoc.setText(c.fremdLoc);
+  feed(c.stream);
   MsgBoxRecorder boxes;
   poll();
 
+  const QStringList fields = QString::fromUtf8(c.fields).split(u'|');
   QCOMPARE(m_tbMyLg.text(), fields[0]);
   QCOMPARE(m_tbMyBr.text(), fields[1]);
-  QCOMPARE(m_tbFremdLoc.text(), fields[2].isEmpty() ? fremdLoc : fields[2]);
+  QCOMPARE(m_tbFremdLoc.text(), fields[2].isEmpty() ? QString(c.fremdLoc) : fields[2]);
   QCOMPARE(m_tbFremdLg.text(), fields[3]);
   QCOMPARE(m_tbFremdBr.text(), fields[4]);
-  QCOMPARE(m_lbInfo.text(), info);
-  QCOMPARE(m_panel2.text(), panel2);
-  QCOMPARE(m_lbKurs.text(), kurs);
-  QCOMPARE(m_computes, computes);
+  QCOMPARE(m_lbInfo.text(), QString::fromUtf8(c.info));
+  QCOMPARE(m_panel2.text(), QString::fromUtf8(c.panel2));
+  QCOMPARE(m_lbKurs.text(), QString::fromUtf8(c.kurs));
+  QCOMPARE(m_computes, c.computes);
   QCOMPARE(m_unlocks, 1);
   QCOMPARE(boxes.count(), 0);
   QCOMPARE(m_poll->GpsTries(), std::int16_t(0));
   QVERIFY(m_state.GpsDataSeen);
   QVERIFY(!m_comm.portOpen());
   QVERIFY(!m_poll->isPolling());
-  if (computes > 0) QVERIFY(m_pollingSeenInCompute);
+  if (c.computes > 0) QVERIFY(m_pollingSeenInCompute);
   QCOMPARE(m_clock.sets().size(), 0);  // GpsZeit is off
-  if (stream.startsWith("$GPGGA,123519.00")) QCOMPARE(m_heights, QStringList{"545.4|M|8"});
+  if (c.stream.startsWith("$GPGGA,123519.00")) QCOMPARE(m_heights, QStringList{"545.4|M|8"});
 }
 
 void TestGpsPoll::threeFailedTriesFromStart() {

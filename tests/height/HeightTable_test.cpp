@@ -61,10 +61,6 @@ TEST(HeightTableTest, SampleSequences) {
        {{"545.4", "M", "8"}, {"581.4", "M", "8"}},
        {{5454, w8}},
        {5454, 5814, 1, "M"}},
-      {"downward jump too",
-       {{"545.4", "M", "8"}, {"509.4", "M", "8"}},
-       {{5454, w8}},
-       {5454, 5094, 1, "M"}},
       {"same jump twice with 6 satellites moves the reference",
        {{"545.4", "M", "6"}, {"590.0", "M", "6"}, {"590.0", "M", "6"}, {"590.1", "M", "6"}},
        {{5454, w6}, {5901, w6}},
@@ -77,15 +73,10 @@ TEST(HeightTableTest, SampleSequences) {
        {{"545.4", "M", "4"}, {"600.0", "M", "8"}, {"545.5", "M", "4"}, {"600.0", "M", "5"}},
        {{5454, w4}, {5455, w4}},
        {6000, 6000, 2, "M"}},
-      {"extra digits go to the nearest tenth",
-       {{"545.44", "M", "4"}, {"545.46", "M", "4"}},
-       {{5454, w4}, {5455, w4}},
-       {5455, 0, 2, "M"}},
       {"a tie goes to the even tenth",
        {{"12.25", "M", "4"}, {"12.75", "M", "4"}},
        {{122, w4}, {128, w4}},
        {128, 0, 2, "M"}},
-      {"negative height", {{"-12.3", "M", "8"}}, {{-123, w8}}, {-123, 0, 1, "M"}},
       {"first sample 0.0 leaves no reference",
        {{"0.0", "M", "4"}, {"100.0", "M", "4"}},
        {{0, w4}, {1000, w4}},
@@ -95,10 +86,6 @@ TEST(HeightTableTest, SampleSequences) {
        {{"100.0", "M", "8"}, {"0.0", "M", "8"}, {"700.0", "M", "8"}},
        {{1000, w8}, {7000, w8}},
        {7000, 0, 2, "M"}},
-      {"three satellites store nothing, not even the unit",
-       {{"545.4", "M", "8"}, {"545.5", "F", "3"}},
-       {{5454, w8}},
-       {5454, 0, 1, "M"}},
       {"a refused sample still sets the unit",
        {{"545.4", "M", "8"}, {"600.0", "F", "8"}},
        {{5454, w8}},
@@ -108,10 +95,6 @@ TEST(HeightTableTest, SampleSequences) {
        {{5454, 10 * w4}},
        {5454, kNone, 0, "M"}},
       {"nine accepted samples keep it", keepPending, {{5454, 9 * w4}}, {5454, 6000, 9, "M"}},
-      {"satellite count rounds half to even",
-       {{"545.4", "M", "3.5"}, {"545.5", "M", "4.5"}, {"545.6", "M", "2.5"}},
-       {{5454, w4}, {5455, w4}},
-       {5455, 0, 2, "M"}},
       {"garbage satellite counts store nothing",
        {{"545.4", "M", "40000"}, {"545.4", "M", ""}, {"545.4", "M", "1E999"}, {"545.4", "M", "x"}},
        {},
@@ -146,8 +129,7 @@ TEST(HeightTableTest, WeightGrowsWithTheRootOfTheSatellites) {
   const struct {
     const char* sats;
     float weight;
-  } cases[] = {{"4", 1.000f}, {"5", 1.118f},  {"6", 1.225f},  {"7", 1.323f},  {"8", 1.414f},
-               {"9", 1.500f}, {"10", 1.581f}, {"11", 1.658f}, {"12", 1.732f}, {"16", 2.000f}};
+  } cases[] = {{"4", 1.000f}, {"5", 1.118f}, {"9", 1.500f}, {"16", 2.000f}};
   for (const auto& c : cases) {
     HeightTable table;
     ASSERT_EQ(table.sample(u"545.4", "M", QString(c.sats)), HeightTable::Outcome::Accepted);
@@ -164,17 +146,12 @@ TEST(HeightTableTest, OutcomesAndBounds) {
     std::int32_t upper;
   } cases[] = {
       {"545.4", "3", HeightTable::Outcome::TooFewSatellites, -500, 500},
-      {"-12.3", "4", HeightTable::Outcome::Accepted, -500, 500},
       {"8848.0", "4", HeightTable::Outcome::Accepted, -500, 88480},
       {"-430.5", "4", HeightTable::Outcome::Accepted, -4305, 500},
-      {"-499.96", "4", HeightTable::Outcome::Accepted, -5000, 500},
       {"-500.04", "4", HeightTable::Outcome::Accepted, -5000, 500},
-      {"-500.0", "4", HeightTable::Outcome::Accepted, -5000, 500},
       {"10000.0", "4", HeightTable::Outcome::Accepted, -500, 100000},
       {"-500.1", "8", HeightTable::Outcome::OutOfRange, -500, 500},
-      {"10000.1", "8", HeightTable::Outcome::OutOfRange, -500, 500},
-      {"nan", "4", HeightTable::Outcome::Accepted, -500, 500},  // no number: Val gives 0.0
-      {"99999", "4", HeightTable::Outcome::OutOfRange, -500, 500},
+      {"nan", "4", HeightTable::Outcome::Accepted, -500, 500},    // no number: Val gives 0.0
       {"3E9", "4", HeightTable::Outcome::OutOfRange, -500, 500},  // too big for 32 bits
   };
   for (const auto& c : cases) {

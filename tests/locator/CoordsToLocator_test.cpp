@@ -18,15 +18,12 @@ struct EncodeCase {
 TEST(CoordsToLocator, MatchesTheWorkedPositionsAndCellEdges) {
   const EncodeCase cases[] = {
       {13.4, 52.52, "JO62QM", "JO62QM84AT"},
-      {-71.06, 42.36, "FN42LI", nullptr},
       {151.21, -33.87, "QF56OD", nullptr},
       {0, 0, "JJ00AA", "JJ00AA00AA"},
       {-0.5, -0.5, "II99SM", "II99SM00AA"},
       // Truncation toward zero carries the 6-character form across both zero lines.
       {-0.004, -0.004, "JJ00AA", "II99XX99MA"},
       {0.084, 0, "JJ00AA", "JJ00BA00BA"},
-      {2, 1, "JJ11AA", "JJ11AA00AA"},
-      {-2, -1, "II99AA", "II99AA00AA"},
       // -163.67 * 100 is -16366.999999999998 and must truncate to -16366, not round.
       {-163.67, 0.5, "AJ80EM", "AJ80DM90OA"},
       {179.9999999, 89.9999999, "RR99XX", "RR99XX99XX"},
@@ -96,13 +93,9 @@ TEST(CoordsToLocator, HoldsPositionsOutsideTheGridAtItsEdges) {
   const double below180 = std::nextafter(180.0, 0.0);
   const EncodeCase cases[] = {
       {180, 90, "RR99XX", "RR99XX99XX"},
-      {-180, -90, "AA00AA", "AA00AA00AA"},
-      {1e300, -1e300, "RA90XA", "RA90XA90XA"},
       {inf, -inf, "RA90XA", "RA90XA90XA"},
-      {-inf, inf, "AR09AX", "AR09AX09AX"},
       {nan, nan, "JJ00AA", "JJ00AA00AA"},
       {nan, 52.52, "JO02AM", "JO02AM04AT"},
-      {540, 0, "RJ90XA", "RJ90XA90XA"},
       // Inside the range, but + 180 rounds up to 360: still the top field, not an "S".
       {below180, std::nextafter(90.0, 0.0), "RR99XX", "RR99XX99XX"},
   };

@@ -27,7 +27,6 @@ class tst_PortList : public QObject {
   void init() { marvento::test::SetNoPortDevices(); }
   void cleanup() { marvento::test::ClearPortDevices(); }
 
-  void scan_data();
   void scan();
   void givesUpAtTheErrorLimit();
 
@@ -35,90 +34,61 @@ class tst_PortList : public QObject {
   QTemporaryDir m_config;
 };
 
-void tst_PortList::scan_data() {
-  QTest::addColumn<QList<int>>("freePorts");
-  QTest::addColumn<QList<int>>("busyPorts");
-  QTest::addColumn<QString>("settings");
-  QTest::addColumn<int>("comNumberBefore");
-  QTest::addColumn<int>("busyPortBefore");
-  QTest::addColumn<QStringList>("list");
-  QTest::addColumn<int>("comNumber");
-  QTest::addColumn<int>("busyPort");
-  QTest::addColumn<int>("errors");  // missing and busy ports and refused openings
-
-  const QStringList com1com3{"Com1", "Com3"};
-  QTest::newRow("Com1 and Com3, stored 3")
-      << QList<int>{1, 3} << QList<int>{} << "4800,N,8,1" << 3 << 0 << com1com3 << 3 << 0 << 27;
-  QTest::newRow("Com1 and Com3, stored 1")
-      << QList<int>{1, 3} << QList<int>{} << "4800,N,8,1" << 1 << 0 << com1com3 << 1 << 0 << 27;
-  QTest::newRow("Com1 and Com3, stored 5 beyond them")
-      << QList<int>{1, 3} << QList<int>{} << "4800,N,8,1" << 5 << 0 << com1com3 << 3 << 0 << 27;
-  QTest::newRow("no port at all") << QList<int>{} << QList<int>{} << "4800,N,8,1" << 4 << 0
-                                  << QStringList{} << 4 << 0 << 29;
-  QTest::newRow("no port at all keeps an earlier busy port")
-      << QList<int>{} << QList<int>{} << "4800,N,8,1" << 4 << 7 << QStringList{} << 4 << 7 << 29;
-  QTest::newRow("Com2 busy, stored 2, corrected to the free Com1")
-      << QList<int>{1} << QList<int>{2} << "4800,N,8,1" << 2 << 0 << QStringList{"Com1", "Com2"}
-      << 1 << 2 << 28;
-  QTest::newRow("two busy ports: the higher one stays")
-      << QList<int>{9} << QList<int>{4, 12} << "4800,N,8,1" << 1 << 0
-      << QStringList{"Com4", "Com9", "Com12"} << 1 << 12 << 28;
-  QTest::newRow("only busy: number unchanged") << QList<int>{} << QList<int>{29} << "4800,N,8,1"
-                                               << 6 << 0 << QStringList{"Com29"} << 6 << 29 << 29;
-  QTest::newRow("unreadable rate counts the port as free")
-      << QList<int>{4} << QList<int>{} << "abc,N,8,1" << 9 << 0 << QStringList{"Com4"} << 4 << 0
-      << 29;
-}
-
+// Errors count missing and busy ports and refused openings.
 void tst_PortList::scan() {
-  QFETCH(QList<int>, freePorts);
-  QFETCH(QList<int>, busyPorts);
-  QFETCH(QString, settings);
-  QFETCH(int, comNumberBefore);
-  QFETCH(int, busyPortBefore);
-  QFETCH(QStringList, list);
-  QFETCH(int, comNumber);
-  QFETCH(int, busyPort);
-  QFETCH(int, errors);
+  const struct {
+    QList<int> freePorts, busyPorts;
+    const char* settings;
+    int comNumberBefore, busyPortBefore;
+    QStringList list;
+    int comNumber, busyPort, errors;
+  } cases[] = {
+      {{1, 3}, {}, "4800,N,8,1", 3, 0, {"Com1", "Com3"}, 3, 0, 27},
+      {{1, 3}, {}, "4800,N,8,1", 5, 0, {"Com1", "Com3"}, 3, 0, 27},  // beyond them: the last
+      {{}, {}, "4800,N,8,1", 4, 7, {}, 4, 7, 29},                    // an earlier busy port is kept
+      {{1}, {2}, "4800,N,8,1", 2, 0, {"Com1", "Com2"}, 1, 2, 28},
+      {{9}, {4, 12}, "4800,N,8,1", 1, 0, {"Com4", "Com9", "Com12"}, 1, 12, 28},  // higher stays
+      {{}, {29}, "4800,N,8,1", 6, 0, {"Com29"}, 6, 29, 29},
+      {{4}, {}, "abc,N,8,1", 9, 0, {"Com4"}, 4, 0, 29},  // an unreadable rate: free
+  };
+  for (const auto& c : cases) {
+    marvento::test::SetNoPortDevices();
+    std::map<int, std::unique_ptr<Pty>> ptys;
+    std::vector<std::unique_ptr<QSerialPort>> holders;
+    for (const int number : c.freePorts + c.busyPorts) {
+      auto& pty = ptys[number] = std::make_unique<Pty>();
+      QVERIFY(pty->ok());
+      marvento::test::SetPortDevice(number, pty->path());
+    }
+    for (const int number : c.busyPorts) {
+      auto& holder = holders.emplace_back(std::make_unique<QSerialPort>(ptys[number]->path()));
+      QVERIFY(holder->open(QIODevice::ReadWrite));
+    }
+    Module1 state;
+    state.ComNumber = static_cast<std::int16_t>(c.comNumberBefore);
+    state.BusyPort = static_cast<std::int16_t>(c.busyPortBefore);
+    CommControl control;
+    control.setSettings(c.settings);
+    QComboBox combo;
+    combo.setEditable(true);
+    combo.addItem(QStringLiteral("left over"));
 
-  std::map<int, std::unique_ptr<Pty>> ptys;
-  std::vector<std::unique_ptr<QSerialPort>> holders;
-  for (const int number : freePorts + busyPorts) {
-    auto& pty = ptys[number] = std::make_unique<Pty>();
-    QVERIFY(pty->ok());
-    marvento::test::SetPortDevice(number, pty->path());
+    const marvento::PortScanOutcome outcome = marvento::FillPortList(combo, control, state);
+    QStringList shown;
+    for (int i = 0; i < combo.count(); ++i) {
+      shown << combo.itemText(i);
+      QCOMPARE(combo.itemData(i, Qt::ToolTipRole).toString(),
+               ptys.at(combo.itemText(i).mid(3).toInt())->path());
+    }
+    QCOMPARE(shown, c.list);
+    QCOMPARE(combo.currentIndex(), combo.count() - 1);
+    QCOMPARE(state.ComNumber, c.comNumber);
+    QCOMPARE(state.BusyPort, c.busyPort);
+    QCOMPARE(outcome.errorCount, c.errors);
+    QVERIFY(!outcome.gaveUp && !control.portOpen());
+    QCOMPARE(control.commPort(), 29);
+    QCOMPARE(QGuiApplication::overrideCursor(), nullptr);
   }
-  for (const int number : busyPorts) {
-    auto& holder = holders.emplace_back(std::make_unique<QSerialPort>(ptys[number]->path()));
-    QVERIFY(holder->open(QIODevice::ReadWrite));
-  }
-
-  Module1 state;
-  state.ComNumber = static_cast<std::int16_t>(comNumberBefore);
-  state.BusyPort = static_cast<std::int16_t>(busyPortBefore);
-  CommControl control;
-  control.setSettings(settings);
-  QComboBox combo;
-  combo.setEditable(true);
-  combo.addItem(QStringLiteral("left over"));
-
-  const marvento::PortScanOutcome outcome = marvento::FillPortList(combo, control, state);
-
-  QStringList shown;
-  for (int i = 0; i < combo.count(); ++i) {
-    shown << combo.itemText(i);
-    const int number = combo.itemText(i).mid(3).toInt();
-    QCOMPARE(combo.itemData(i, Qt::ToolTipRole).toString(), ptys.at(number)->path());
-  }
-  QCOMPARE(shown, list);
-  QCOMPARE(combo.currentIndex(), combo.count() - 1);
-  QCOMPARE(state.ComNumber, comNumber);
-  QCOMPARE(state.BusyPort, busyPort);
-  QCOMPARE(outcome.errorCount, errors);
-  QVERIFY(!outcome.gaveUp);
-  QVERIFY(!control.portOpen());
-  QCOMPARE(control.commPort(), 29);
-  QCOMPARE(QGuiApplication::overrideCursor(), nullptr);
 }
 
 // With the control left open by someone, both steps fail for every port: the scan stops
