@@ -1,8 +1,26 @@
 #!/bin/sh
-# Installs what is missing, builds Marvento with its tests and runs every test.
+# Installs what is missing, builds Marvento with its tests and runs every test; then the
+# libFuzzer harnesses for a short run each (clang build in build-fuzz) and the whole suite
+# again under AddressSanitizer and UndefinedBehaviorSanitizer (build-asan).
 set -e
 cd "$(dirname "$0")/.."
 sh tools/deps.sh
 sh tools/build.sh
-cd build
+(cd build && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j "$(nproc)" --timeout 600)
+
+# Every sanitizer finding fails the run, leaks included; nothing is suppressed.
+export ASAN_OPTIONS="detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1"
+export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
+
+cmake -S . -B build-fuzz -G Ninja -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
+  -DCMAKE_BUILD_TYPE=RelWithDebInfo -DMARVENTO_FUZZ=ON -DMARVENTO_BUILD_TESTS=OFF \
+  -DMARVENTO_BUILD_BENCH=OFF >/dev/null
+cmake --build build-fuzz -j "$(nproc)" --target marvento_fuzz
+(cd build-fuzz && ctest --output-on-failure -j "$(nproc)" -L fuzz)
+
+cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+  -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -g" -DMARVENTO_SANITIZE=ON \
+  -DMARVENTO_BUILD_BENCH=OFF >/dev/null
+cmake --build build-asan -j "$(nproc)"
+cd build-asan
 QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j "$(nproc)" --timeout 600

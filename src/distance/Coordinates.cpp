@@ -3,6 +3,7 @@
 #include "platform/Format.h"
 #include "platform/Numbers.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace marvento {
@@ -116,9 +117,11 @@ std::optional<DegreesMinutesSeconds> SplitDegrees(double a) {
 
   DegreesMinutesSeconds dms{*degrees, *minutes,
                             static_cast<float>((fraction * 60 - *minutes) * 60)};
-  if (dms.seconds >= 60) {
+  // Seconds that the field would show as 60 carry too: "59' 60\"" is a text the coordinate
+  // entry refuses, and the field must read back.
+  if (dms.seconds >= 60 || Format(dms.seconds) == u"60") {
     ++dms.minutes;
-    dms.seconds = dms.seconds - 60.0f;
+    dms.seconds = std::max(dms.seconds - 60.0f, 0.0f);
   }
   if (dms.minutes == 60) {
     const auto carried = ToInt16(static_cast<double>(dms.degrees) + 1);

@@ -72,19 +72,23 @@ QString CoordsToLocator10(double Lg, double Br) {
   const double x = clampShifted(Lg + 180, 180, 360);
   const double y = clampShifted(Br + 90, 90, 180);
 
-  // Each character comes straight from x or y, not from a running remainder, and a value a
-  // hair below a cell edge stays in the lower cell.
+  // Every character comes from the index of the smallest cell, so that a value a hair below
+  // a cell edge stays in the lower cell in all ten characters alike: taken one by one, x * 120
+  // may round up onto an edge that x * 2880 stays below, and the locator would mix two rows.
+  // The product may round up to the grid's edge itself; the last cell holds it.
+  const std::int32_t col = std::min(toIndex(Int(x * 2880)), 360 * 2880 - 1);
+  const std::int32_t row = std::min(toIndex(Int(y * 5760)), 180 * 5760 - 1);
   QString loc(10, QChar(u' '));
-  loc[0] = chr(65 + toIndex(Int(x / 20)));
-  loc[1] = chr(65 + toIndex(Int(y / 10)));
-  loc[2] = chr(48 + toIndex(Int(x / 2)) % 10);
-  loc[3] = chr(48 + toIndex(Int(y)) % 10);
-  loc[4] = chr(65 + toIndex(Int(x * 12)) % 24);
-  loc[5] = chr(65 + toIndex(Int(y * 24)) % 24);
-  loc[6] = chr(48 + toIndex(Int(x * 120)) % 10);
-  loc[7] = chr(48 + toIndex(Int(y * 240)) % 10);
-  loc[8] = chr(65 + toIndex(Int(x * 2880)) % 24);
-  loc[9] = chr(65 + toIndex(Int(y * 5760)) % 24);
+  loc[0] = chr(65 + col / 57600);
+  loc[1] = chr(65 + row / 57600);
+  loc[2] = chr(48 + col / 5760 % 10);
+  loc[3] = chr(48 + row / 5760 % 10);
+  loc[4] = chr(65 + col / 240 % 24);
+  loc[5] = chr(65 + row / 240 % 24);
+  loc[6] = chr(48 + col / 24 % 10);
+  loc[7] = chr(48 + row / 24 % 10);
+  loc[8] = chr(65 + col % 24);
+  loc[9] = chr(65 + row % 24);
   return loc;
 }
 
