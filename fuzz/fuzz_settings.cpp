@@ -3,6 +3,7 @@
 #include "FuzzSupport.h"
 #include "app/Module1.h"
 #include "app/SettingsStore.h"
+#include "platform/CommControl.h"
 #include "platform/Settings.h"
 
 #include <QSettings>
@@ -34,16 +35,16 @@ void checkConversions(const QString& text) {
     Check(interval->seconds >= 0 && interval->seconds <= 65, "the interval is 0 to 65 s", text);
     Check(interval->milliseconds == interval->seconds * 1000, "the timer runs the interval", text);
   }
-  if (const auto port = ReadPortNumber(text)) (void)*port;
+  if (const auto port = ComNumberOf(text)) (void)*port;
   if (const auto radius = ReadRadiusPosition(text)) {
     Check(*radius >= -1 && *radius <= 11, "the radius position is in the list", text);
   }
-  if (const auto twips = ReadTwips(text)) {
-    Check(std::isfinite(*twips) && std::fabs(*twips) <= 1e7, "a window position is on a screen", text);
-    // What is written at exit reads back as the same position.
-    const auto again = ReadTwips(TwipsText(*twips));
-    Check(again && *again == *twips, "the stored window position reads back", text);
-  }
+  SaveSetting(QStringLiteral("MainLeft"), text);
+  const float twips = GetTwipsSetting(QStringLiteral("MainLeft"));
+  Check(std::isfinite(twips) && std::fabs(twips) <= 1e7, "a window position is on a screen", text);
+  // What is written at exit reads back as the same position.
+  SaveSetting(QStringLiteral("MainLeft"), TwipsText(twips));
+  Check(GetTwipsSetting(QStringLiteral("MainLeft")) == twips, "the stored window position reads back", text);
 }
 
 }  // namespace
@@ -75,7 +76,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Check(state.GpsIntervalSeconds == read.interval.seconds, "the state holds the interval", shown);
   Check(read.radiusPosition >= -1 && read.radiusPosition <= 11, "the start radius is in the list", shown);
   Check(state.ComSettings.endsWith(u",N,8,1"), "the line settings end in N,8,1", state.ComSettings);
-  const auto number = ReadPortNumber(state.ComPort);
+  const auto number = ComNumberOf(state.ComPort);
   Check(number && *number == state.ComNumber, "the port number is the one of the port name",
         state.ComPort + u' ' + QString::number(state.ComNumber));
   Check(!state.GpsDataSeen, "no GPS data is seen at start", shown);

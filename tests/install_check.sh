@@ -66,10 +66,10 @@ QT_QPA_PLATFORM=xcb XDG_CONFIG_HOME="$tmp/config" XDG_DATA_HOME="$tmp/data" XDG_
   XDG_RUNTIME_DIR="$tmp/runtime" "$root/bin/marvento" >"$tmp/marvento.log" 2>&1 &
 program=$!
 pids="$pids $program"
-window=$(timeout 20 xdotool search --sync --onlyvisible --pid "$program" | head -n 1) \
+window=$(timeout 60 xdotool search --sync --onlyvisible --pid "$program" | head -n 1) \
   || fail "the installed program showed no window"
 xdotool mousemove --window "$window" 40 90 click 1
-for _ in $(seq 100); do
+for _ in $(seq 300); do
   [ -s "$tmp/viewer.args" ] && break
   xdotool key --clearmodifiers F1
   sleep 0.2

@@ -1,5 +1,6 @@
 #include "gps/GpsLog.h"
 
+#include "platform/PrintZones.h"
 #include "platform/Timer.h"
 
 #include "app/Module1.h"
@@ -22,8 +23,6 @@ namespace marvento {
 
 namespace {
 
-constexpr qsizetype kZoneWidth = 14;
-
 QString reasonFor(int error) {
   switch (error) {
     case EACCES:
@@ -42,20 +41,6 @@ QString failure(int error, const QString& path) {
 }
 
 }  // namespace
-
-QString PrintZones(const QStringList& items) {
-  QString line;
-  for (qsizetype i = 0; i < items.size(); ++i) {
-    if (i > 0) {
-      // Columns are 1-based; the next item goes to the start of the following zone.
-      const qsizetype column = line.size() + 1;
-      const qsizetype next = ((column - 1) / kZoneWidth + 1) * kZoneWidth + 1;
-      line += QString(next - column, u' ');
-    }
-    line += items[i];
-  }
-  return line;
-}
 
 QString LogDateText(QDate date) {
   QString format = QLocale().dateFormat(QLocale::ShortFormat);

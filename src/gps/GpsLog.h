@@ -15,11 +15,6 @@ namespace marvento {
 class Clock;
 struct Module1;
 
-// Items laid out in print zones of 14 columns: each item after the first starts at the
-// beginning of the zone after the one the previous item ended in (column 14 * n + 1),
-// padded with blanks; an item that fills or overruns its zone pushes the next one on.
-QString PrintZones(const QStringList& items);
-
 // The date in the machine's short form, with four-digit years ("18.11.2026" in German).
 QString LogDateText(QDate date);
 

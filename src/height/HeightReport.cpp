@@ -2,6 +2,7 @@
 
 #include "platform/Format.h"
 #include "platform/MsgBox.h"
+#include "platform/PrintZones.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -12,7 +13,6 @@ namespace marvento {
 
 namespace {
 
-constexpr qsizetype kZoneWidth = 14;
 const QString kLineEnd = QStringLiteral("\r\n");
 
 // Every line of the report is followed by an empty one.
@@ -40,18 +40,6 @@ QString failureReason(const QSaveFile& file) {
 
 }  // namespace
 
-QString JoinInPrintZones(const QStringList& items) {
-  QString text;
-  for (qsizetype k = 0; k < items.size(); ++k) {
-    if (k > 0) {
-      const qsizetype next = (text.size() / kZoneWidth + 1) * kZoneWidth;
-      text += QString(next - text.size(), u' ');
-    }
-    text += items[k];
-  }
-  return text;
-}
-
 QString HeightReportText(const HeightTable& table, const QDateTime& now, const QString& myLoc,
                          const QString& myLg, const QString& myBr) {
   QString text;
@@ -59,12 +47,12 @@ QString HeightReportText(const HeightTable& table, const QDateTime& now, const Q
                now.toString(QStringLiteral("dd.MM.yyyy HH:mm:ss")));
   text += line(QStringLiteral("QTH: ") + myLoc + QStringLiteral(" Lg: ") + myLg +
                QStringLiteral(" Br: ") + myBr);
-  text += line(JoinInPrintZones({QStringLiteral(" m     "), QStringLiteral("Wertigkeit")}));
+  text += line(PrintZones({QStringLiteral(" m     "), QStringLiteral("Wertigkeit")}));
   text += line(QString(21, QChar(0x017B)));
   for (std::int32_t i = table.lowerBound(); i <= table.upperBound(); ++i) {
     const float w = table.weight(i);
     if (!(w > 0)) continue;
-    text += line(JoinInPrintZones(
+    text += line(PrintZones(
         {Format(static_cast<float>(i / 10.0), u"###0.0#"), Format(w, u"######0.00###")}));
   }
   return text;

@@ -10,11 +10,6 @@ namespace marvento {
 
 inline const QString kHeightReportName = QStringLiteral("HoeheAusw.txt");
 
-// Items laid out as a print statement lays out comma-separated items: each item starts at the
-// next column 14 x n + 1, and one that fills or overruns its zone pushes the next item on to
-// the zone after. No blanks follow the last item.
-QString JoinInPrintZones(const QStringList& items);
-
 // The whole report: heading with date and own position (the texts of tbMyLoc, tbMyLg, tbMyBr),
 // then one row per height with weight, every line ending in CR LF CR LF.
 QString HeightReportText(const HeightTable& table, const QDateTime& now, const QString& myLoc,

@@ -1,6 +1,6 @@
 // Faults found by fuzzing the coordinate entry and display.
 #include "distance/Coordinates.h"
-#include "distance/GermanLocale.h"
+#include "support/GermanLocale.h"
 
 #include <gtest/gtest.h>
 
@@ -9,9 +9,7 @@ namespace {
 
 // Seconds just below 60 in single precision were shown as "60": the field held
 // " 1° 59' 60"", which the coordinate entry then refused.
-class CoordinatesFuzzRegression : public GermanLocaleTest {};
-
-TEST_F(CoordinatesFuzzRegression, SecondsShownAsSixtyCarryIntoTheMinutes) {
+TEST(CoordinatesFuzzRegression, SecondsShownAsSixtyCarryIntoTheMinutes) {
   const struct {
     double value;
     const char16_t* text;

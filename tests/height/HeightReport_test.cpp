@@ -56,21 +56,6 @@ class HeightReportTest : public ::testing::Test {
   QTemporaryDir m_dir;
 };
 
-TEST(PrintZonesTest, ItemsStartAtTheNextZone) {
-  const struct {
-    QStringList items;
-    const char* expected;
-  } cases[] = {
-      {{"a"}, "a"},
-      {{"1234567890123", "b"}, "1234567890123 b"},
-      {{"12345678901234", "b"}, "12345678901234              b"},
-      {{"a", "", "c"}, "a                           c"},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(JoinInPrintZones(c.items), QString(c.expected)) << c.items.join('|').toStdString();
-  }
-}
-
 TEST_F(HeightReportTest, KnownTableByteForByte) {
   MsgBoxRecorder rec;
   HeightReport(knownTable(), kLoc, kLg, kBr, m_dir.path(), kNow);
