@@ -26,26 +26,22 @@ std::uint8_t Input::byte() {
   return b;
 }
 
-double Input::number() {
-  double value = 0;
+template <typename T>
+T Input::take() {
+  T value{};
   const std::size_t n = m_size < sizeof value ? m_size : sizeof value;
   std::memcpy(&value, m_data, n);
   m_data += n;
   m_size -= n;
   return value;
 }
+
+double Input::number() { return take<double>(); }
+
+float Input::single() { return take<float>(); }
 
 QString Input::restLatin1() const {
   return QString::fromLatin1(reinterpret_cast<const char*>(m_data), static_cast<qsizetype>(m_size));
-}
-
-float Input::single() {
-  float value = 0;
-  const std::size_t n = m_size < sizeof value ? m_size : sizeof value;
-  std::memcpy(&value, m_data, n);
-  m_data += n;
-  m_size -= n;
-  return value;
 }
 
 void UseGermanLocale() {

@@ -28,6 +28,10 @@ class Input {
   QString restLatin1() const;
 
  private:
+  // The next sizeof(T) bytes as they lie; fewer at the end of the input, the rest zero.
+  template <typename T>
+  T take();
+
   const std::uint8_t* m_data;
   std::size_t m_size;
 };
