@@ -1,22 +1,21 @@
 #include "app/SettingsStore.h"
 
 #include "platform/CommControl.h"
-
 #include "platform/Settings.h"
 
+#include <gtest/gtest.h>
 #include <QLocale>
 #include <QSettings>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace marvento {
 namespace {
 
 TEST(SettingsStore, BooleansReadWhatTheWriterWroteAndRefuseTheRest) {
   const std::pair<const char*, std::optional<bool>> cases[] = {
-      {"True", true},   {"False", false}, {"true", true}, {"FALSE", false}, {" True ", true},
-      {"-1", true},     {"0", false},     {"1", true},    {"", std::nullopt}, {"ja", std::nullopt},
-      {"Tru", std::nullopt},
+      {"True", true},     {"False", false},     {"true", true},        {"FALSE", false},
+      {" True ", true},   {"-1", true},         {"0", false},          {"1", true},
+      {"", std::nullopt}, {"ja", std::nullopt}, {"Tru", std::nullopt},
   };
   for (const auto& [text, expected] : cases) {
     EXPECT_EQ(ReadBoolean(QString::fromLatin1(text)), expected) << text;
@@ -25,55 +24,45 @@ TEST(SettingsStore, BooleansReadWhatTheWriterWroteAndRefuseTheRest) {
   EXPECT_EQ(ReadBoolean(BooleanText(false)), false);
 }
 
+// Seconds; the milliseconds must be a thousand times as many. Nothing for a refused text.
 TEST(SettingsStore, IntervalIsRoundedAndLimited) {
-  struct Case {
-    const char* text;
-    std::optional<std::pair<int, int>> expected;  // seconds, milliseconds
+  const std::pair<const char*, std::optional<int>> cases[] = {
+      {"30", 30},   {"65", 65},    {"66", 65},      {"30,7", 30},   {"30.5", 30},
+      {"31.5", 32}, {"5", 5},      {"", 0},         {"100000", 65}, {"-5", {}},
+      {"abc", {}},  {"1e400", {}}, {"3000000", {}},  // milliseconds overflow 32 bits
   };
-  const Case cases[] = {
-      {"30", std::pair{30, 30000}},     {"65", std::pair{65, 65000}},
-      {"66", std::pair{65, 65000}},     {"30,7", std::pair{30, 30000}},
-      {"30.5", std::pair{30, 30000}},   {"31.5", std::pair{32, 32000}},
-      {"5", std::pair{5, 5000}},        {"", std::pair{0, 0}},
-      {"100000", std::pair{65, 65000}}, {"-5", std::nullopt},
-      {"abc", std::nullopt},            {"3000000", std::nullopt},  // milliseconds overflow 32 bits
-      {"1e400", std::nullopt},
-  };
-  for (const auto& c : cases) {
-    const auto interval = ReadInterval(QString::fromLatin1(c.text));
-    ASSERT_EQ(interval.has_value(), c.expected.has_value()) << c.text;
+  for (const auto& [text, seconds] : cases) {
+    const auto interval = ReadInterval(QString::fromLatin1(text));
+    EXPECT_EQ(interval ? std::optional(interval->seconds) : std::nullopt, seconds) << text;
     if (interval) {
-      EXPECT_EQ(interval->seconds, c.expected->first) << c.text;
-      EXPECT_EQ(interval->milliseconds, c.expected->second) << c.text;
+      EXPECT_EQ(interval->milliseconds, interval->seconds * 1000) << text;
     }
   }
 }
 
 TEST(SettingsStore, PortNumberCountsOnlyThePrefixLength) {
   const std::pair<const char*, std::optional<int>> cases[] = {
-      {"Com1", 1},   {"COM12", 12}, {"Xyz7", 7},          {"Com", 0},
-      {"Com1x", 1},  {"Co", std::nullopt}, {"", std::nullopt}, {"Com99999", std::nullopt},
+      {"Com1", 1},  {"COM12", 12},        {"Xyz7", 7},        {"Com", 0},
+      {"Com1x", 1}, {"Co", std::nullopt}, {"", std::nullopt}, {"Com99999", std::nullopt},
   };
   for (const auto& [text, expected] : cases) {
-    const auto number = ComNumberOf(QString::fromLatin1(text));
-    ASSERT_EQ(number.has_value(), expected.has_value()) << text;
-    if (number) {
-      EXPECT_EQ(*number, *expected) << text;
-    }
+    EXPECT_EQ(ComNumberOf(QString::fromLatin1(text)), expected) << text;
   }
 }
 
 TEST(SettingsStore, RadiusPositionMustBeAListPosition) {
   const std::pair<const char*, std::optional<int>> cases[] = {
-      {"2", 2}, {"-1", -1}, {"11", 11}, {"0", 0}, {"12", std::nullopt},
-      {"-2", std::nullopt}, {"x", std::nullopt}, {"", std::nullopt},
+      {"2", 2},
+      {"-1", -1},
+      {"11", 11},
+      {"0", 0},
+      {"12", std::nullopt},
+      {"-2", std::nullopt},
+      {"x", std::nullopt},
+      {"", std::nullopt},
   };
   for (const auto& [text, expected] : cases) {
-    const auto position = ReadRadiusPosition(QString::fromLatin1(text));
-    ASSERT_EQ(position.has_value(), expected.has_value()) << text;
-    if (position) {
-      EXPECT_EQ(*position, *expected) << text;
-    }
+    EXPECT_EQ(ReadRadiusPosition(QString::fromLatin1(text)), expected) << text;
   }
 }
 
@@ -87,7 +76,8 @@ class SettingsStoreFile : public ::testing::Test {
   }
   void TearDown() override {
     qputenv("XDG_CONFIG_HOME", m_saved);
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QString::fromLocal8Bit(m_saved));
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                       QString::fromLocal8Bit(m_saved));
   }
   QString stored(const char* key) const {
     QSettings file(m_dir.path() + QStringLiteral("/Marvento/Marvento.conf"), QSettings::IniFormat);
@@ -132,7 +122,8 @@ TEST_F(SettingsStoreFile, ExitWritesEveryKeyButTheHomeLocatorInItsTextForm) {
   EXPECT_EQ(stored("Bit-Sek"), QStringLiteral("115200"));
   EXPECT_EQ(stored("Com"), QStringLiteral("COM12"));
   EXPECT_EQ(stored("Radius"), QStringLiteral("-1"));
-  EXPECT_EQ(GetSetting(QStringLiteral("MyHomeLoc"), QStringLiteral("missing")), QStringLiteral("missing"));
+  EXPECT_EQ(GetSetting(QStringLiteral("MyHomeLoc"), QStringLiteral("missing")),
+            QStringLiteral("missing"));
 
   Module1 next;
   const StartupSettings settings = ReadStartupSettings(next);

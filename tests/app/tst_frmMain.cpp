@@ -10,10 +10,7 @@
 #include <QLineEdit>
 #include <QLockFile>
 #include <QLocale>
-#include <QMenu>
-#include <QStatusBar>
 #include <QTimer>
-#include <QToolBar>
 #include <QtTest>
 
 using namespace marvento;
@@ -31,21 +28,9 @@ class tst_frmMain : public QObject {
     MsgBoxRecorder boxes;
     Program program;
     frmMain* w = program.window();
-    const Module1& s = program.state();
-    QCOMPARE(s.GpsStatus, QStringLiteral("GPS aus"));
-    QCOMPARE(s.GradDezimal, false);
-    QCOMPARE(s.ComPort, QStringLiteral("Com1"));
-    QCOMPARE(s.ComSettings, QStringLiteral("4800,N,8,1"));
-    QCOMPARE(s.GpsIntervalSeconds, 30);
-    QCOMPARE(s.CrLf, QStringLiteral("\r\n"));
-    QCOMPARE(s.KfOffsets[13], 1);
     QCOMPARE(w->Timer1->interval(), 30000);
     QVERIFY(!w->Timer1->isActive());
-    QCOMPARE(w->Combo1->count(), 12);
-    QCOMPARE(w->Combo1->currentIndex(), 2);
     QCOMPARE(w->Combo1->currentText(), QStringLiteral("6367,6539915"));
-    QCOMPARE(w->Combo1->itemText(0), QStringLiteral(" "));
-    QCOMPARE(w->Combo1->itemText(11), QStringLiteral("6384,0"));
     QCOMPARE(w->Panel1->text(), QStringLiteral("Status: GPS aus (Com1)"));
     QCOMPARE(w->windowTitle(), QStringLiteral("Marvento"));
     QVERIFY(w->lbInfo->text().isEmpty());
@@ -60,14 +45,10 @@ class tst_frmMain : public QObject {
     QTest::addColumn<QString>("radius");
     QTest::addColumn<bool>("timerOn");
     QTest::addColumn<QString>("status");
-    QTest::newRow("interval 65") << "GPS-Interval" << "65" << 65000 << "6367,6539915" << false << "Status: GPS aus (Com1)";
     QTest::newRow("interval 66") << "GPS-Interval" << "66" << 65000 << "6367,6539915" << false << "Status: GPS aus (Com1)";
-    QTest::newRow("interval 30,7") << "GPS-Interval" << "30,7" << 30000 << "6367,6539915" << false << "Status: GPS aus (Com1)";
     QTest::newRow("interval 31.5") << "GPS-Interval" << "31.5" << 32000 << "6367,6539915" << false << "Status: GPS aus (Com1)";
-    QTest::newRow("interval 5") << "GPS-Interval" << "5" << 5000 << "6367,6539915" << false << "Status: GPS aus (Com1)";
     QTest::newRow("typed radius") << "Radius" << "-1" << 30000 << "" << false << "Status: GPS aus (Com1)";
     QTest::newRow("radius 4") << "Radius" << "4" << 30000 << "6371,299" << false << "Status: GPS aus (Com1)";
-    QTest::newRow("radius outside") << "Radius" << "99" << 30000 << "6367,6539915" << false << "Status: GPS aus (Com1)";
     QTest::newRow("port prefix only") << "Com" << "Com" << 30000 << "6367,6539915" << false << "Status: GPS aus (Com)";
     QTest::newRow("odd status") << "GPS" << "GPS irgendwas" << 30000 << "6367,6539915" << true << "Status: GPS irgendwas (Com1)";
   }
@@ -147,12 +128,15 @@ class tst_frmMain : public QObject {
     QTest::newRow("ok") << int(vbOK) << false;
     QTest::newRow("ok when minimised") << int(vbOK) << true;
   }
+  // With reception on: a cancelled close leaves the timer running.
   void closingAsksFirst() {
     QFETCH(int, answer);
     QFETCH(bool, minimised);
     IsolatedUser user;
     Program program;
     frmMain* w = program.window();
+    program.state().GpsStatus = QStringLiteral("GPS an");
+    w->Timer1->start();
     w->tbFremdLoc->setText(QStringLiteral("JN58TD"));
     if (minimised) {
       w->showMinimized();
@@ -167,30 +151,18 @@ class tst_frmMain : public QObject {
     QCOMPARE(boxes.last().title, QStringLiteral(" ") + w->windowTitle() + QStringLiteral(": Programmende"));
     if (answer == vbCancel) {
       QVERIFY(w->isVisible());
+      QVERIFY(w->Timer1->isActive());
       QCOMPARE(w->tbFremdLoc->text(), QStringLiteral("JN58TD"));
       QVERIFY(!user.stored(QStringLiteral("GPS")));
       return;
     }
     QVERIFY(!w->isVisible());
-    QCOMPARE(user.stored(QStringLiteral("GPS")), QStringLiteral("GPS aus"));
+    QCOMPARE(user.stored(QStringLiteral("GPS")), QStringLiteral("GPS an"));
     QCOMPARE(user.stored(QStringLiteral("Radius")), QStringLiteral("2"));
     QCOMPARE(user.stored(QStringLiteral("GPS-Interval")), QStringLiteral("30"));
     QCOMPARE(user.stored(QStringLiteral("Bit-Sek")), QStringLiteral("4800"));
     QVERIFY(!user.stored(QStringLiteral("MyHomeLoc")));
     QCOMPARE(user.stored(QStringLiteral("MainLeft")).has_value(), !minimised);
-  }
-
-  void closingKeepsTimerRunningAfterCancel() {
-    IsolatedUser user;
-    Program program;
-    frmMain* w = program.window();
-    program.state().GpsStatus = QStringLiteral("GPS an");
-    w->Timer1->start();
-    MsgBoxRecorder boxes;
-    boxes.answer(vbCancel);
-    w->close();
-    QVERIFY(w->isVisible());
-    QVERIFY(w->Timer1->isActive());
   }
 
   void secondInstanceEndsWithoutSaving() {
@@ -237,8 +209,7 @@ class tst_frmMain : public QObject {
     QTest::newRow("small letter replaces") << "jo31" << 0 << "k" << "kjo31" << "ko31";
     QTest::newRow("degree sign steps over") << "52 30" << 1 << "°" << "5°2 30" << "52°30";
     QTest::newRow("quote steps over") << "52 30" << 1 << "'" << "5'2 30" << "52'30";
-    QTest::newRow("comma deletes nothing") << "52 30" << 2 << "," << "52, 30" << "52, 30";
-    QTest::newRow("blank deletes nothing") << "5230" << 2 << " " << "52 30" << "52 30";
+    QTest::newRow("comma deletes nothing, as any other sign") << "52 30" << 2 << "," << "52, 30" << "52, 30";
   }
   void overwriteMode() {
     QFETCH(QString, text);
@@ -259,25 +230,6 @@ class tst_frmMain : public QObject {
       QTest::keyClicks(w->tbMyLg, typed);
       QCOMPARE(w->tbMyLg->text(), overwrite ? overwriteResult : insertResult);
     }
-  }
-
-  void enterTrimsTheFocusedField() {
-    IsolatedUser user;
-    Program program;
-    frmMain* w = program.window();
-    QVERIFY(QTest::qWaitForWindowActive(w));
-    MsgBoxRecorder boxes;
-    w->tbMyLoc->setText(QStringLiteral("JO62QM"));
-    w->tbFremdLoc->setFocus();
-    w->tbFremdLoc->setText(QStringLiteral("  JO31  "));
-    QTest::keyClick(w->tbFremdLoc, Qt::Key_Return);
-    QCOMPARE(w->tbFremdLoc->text(), QStringLiteral("JO31"));
-    QVERIFY(w->tbFremdLoc->hasFocus());
-    w->Combo1->setFocus();
-    w->Combo1->setEditText(QStringLiteral(" 6371 "));
-    QTest::keyClick(w->Combo1, Qt::Key_Return);
-    QCOMPARE(w->Combo1->currentText(), QStringLiteral("6371"));
-    QCOMPARE(w->Combo1->count(), 12);  // Enter adds nothing to the list
   }
 
   void enterComputesAndReverseBearingFollows() {
@@ -305,6 +257,14 @@ class tst_frmMain : public QObject {
     QCOMPARE(boxes.last().prompt, QStringLiteral("76,76 °"));
     QCOMPARE(boxes.last().title, QStringLiteral(" Gegenrichtung"));
     QCOMPARE(boxes.last().style, 64);
+
+    // Enter in the radius box trims its text too, and adds nothing to the list.
+    w->Combo1->setFocus();
+    w->Combo1->setEditText(QStringLiteral(" 6371 "));
+    QTest::keyClick(w->Combo1, Qt::Key_Return);
+    QCOMPARE(w->Combo1->currentText(), QStringLiteral("6371"));
+    QCOMPARE(w->Combo1->count(), 12);
+    QCOMPARE(boxes.count(), 1);
   }
 
   void toolBarIsIgnoredWhileThePollHoldsTheFields() {
@@ -433,24 +393,6 @@ class tst_frmMain : public QObject {
     QCOMPARE(program.state().ProtokollOn, false);
     w->mnuProtokoll->trigger();
     QCOMPARE(program.state().ProtokollOn, true);
-  }
-
-  void controlsCarryTheirNames() {
-    IsolatedUser user;
-    Program program;
-    frmMain* w = program.window();
-    for (const char* name : {"tbMyLoc", "tbFremdLoc", "tbMyLg", "tbMyBr", "tbFremdLg", "tbFremdBr",
-                             "Combo1", "lblEntfernung", "lblRichtung", "lbInfo", "lbKurs", "Label7"}) {
-      QVERIFY2(w->findChild<QWidget*>(QString::fromLatin1(name)), name);
-    }
-    for (const char* name : {"Neu", "Rechnen", "Beenden", "Grundeinstellungen", "Info", "Hilfe",
-                             "mnuNeu", "mnuGegenRichtung", "mnuGPS_Höhe", "mnuBeenden", "mnuInfo"}) {
-      QVERIFY2(w->findChild<QAction*>(QString::fromUtf8(name)), name);
-    }
-    QCOMPARE(w->findChild<QLabel*>("Label5")->text(), QStringLiteral("östl. &Länge [°]"));
-    QCOMPARE(w->tbMyLoc->maxLength(), 10);
-    QCOMPARE(w->mnuGPS_Höhe->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_H));
-    QCOMPARE(w->sbStatusBar->findChild<QLabel*>("Panel3")->text(), QStringLiteral("EINFG"));
   }
 };
 

@@ -126,7 +126,6 @@ class tst_Compute : public QObject {
   void failures_data();
   void failures();
   void plusRemoteLocator();
-  void coincidingPositions();
   void allCoordinatesTypedFirst();
   void typedCoordinatesThroughLocator();
   void gpsLog();
@@ -255,42 +254,39 @@ void tst_Compute::plusRemoteLocator() {
 }
 
 // All four coordinates typed on a fresh start: route B compares both positions before
-// anything is solved. Either way the fields are remembered, so a second run repeats it.
-void tst_Compute::coincidingPositions() {
+// anything is solved and replaces neither pair by a decoded point. Either way the fields are
+// remembered, so a second run repeats it.
+void tst_Compute::allCoordinatesTypedFirst() {
   const struct {
-    const char* fremdLg;
-    const char* fremdBr;
+    const char* typed;       // own Lg, Br, remote Lg, Br
     const char* entfernung;  // nullptr: coincide
     const char* richtung;
   } cases[] = {
-      {"8", "50,00000126", nullptr, nullptr},
-      {"8", "50,0000013", "   0,13 m", "0,0 °"},
-      {"8,00000083", "50", nullptr, nullptr},
-      {"8,00000084", "50", "   0,28 m", "90,0 °"},
+      {"8|50|8|50,00000126", nullptr, nullptr},
+      {"8|50|8|50,0000013", "   0,13 m", "0,0 °"},
+      {"8|50|8,00000083|50", nullptr, nullptr},
+      {"8|50|8,00000084|50", "   0,28 m", "90,0 °"},
+      {"13,4|52,52|11,5|48,2", " 498,87 km", "196,41 °"},
   };
   for (const auto& c : cases) {
     Window w;
     MsgBoxRecorder rec;
     w.lblRichtung->setText("alt °");
-    w.type({"", "8", "50", "", c.fremdLg, c.fremdBr});
+    const QStringList t = fields(c.typed);
+    w.type({"", t[0], t[1], "", t[2], t[3]});
     for (int run = 0; run < 2; ++run) {
       w.command.Compute();
       QCOMPARE(rec.count(), c.entfernung ? 0 : run + 1);
     }
     QCOMPARE(w.lblEntfernung->text(), QString::fromUtf8(c.entfernung ? c.entfernung : " 0 "));
     QCOMPARE(w.lblRichtung->text(), QString::fromUtf8(c.richtung ? c.richtung : "alt °"));
+    const QStringList after = w.texts();
+    QCOMPARE(QStringList({after[1], after[2], after[4], after[5]}), t);
   }
-}
-
-void tst_Compute::allCoordinatesTypedFirst() {
   Window w;
-  MsgBoxRecorder rec;
   w.type({"", "13,4", "52,52", "", "11,5", "48,2"});
   w.command.Compute();
-  QCOMPARE(rec.count(), 0);
-  // Neither pair is replaced by a decoded point.
-  QCOMPARE(w.texts(), QStringList({"JO62QM", "13,4", "52,52", "JN58SE", "11,5", "48,2"}));
-  QCOMPARE(w.lblEntfernung->text(), QString(" 498,87 km"));
+  QCOMPARE(w.tbMyLoc->text() + w.tbFremdLoc->text(), QString("JO62QMJN58SE"));
 }
 
 // Route A with the own locator empty: the typed point gives way to the decoded one.

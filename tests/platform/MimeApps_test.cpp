@@ -1,60 +1,15 @@
 #include "platform/MimeApps.h"
 
 #include <gtest/gtest.h>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QTemporaryDir>
 
 #include <utility>
 #include <vector>
 
 #include "platform/Programs.h"
+#include "support/XdgSandbox.h"
 
 namespace marvento {
 namespace {
-
-const char* const kVariables[] = {"XDG_CONFIG_HOME", "XDG_CONFIG_DIRS",     "XDG_DATA_HOME",
-                                  "XDG_DATA_DIRS",   "XDG_CURRENT_DESKTOP", "PATH"};
-
-// Points every XDG variable and PATH into a temporary folder and restores them afterwards.
-class MimeAppsTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    for (const char* name : kVariables) {
-      m_saved.push_back({qEnvironmentVariableIsSet(name), qgetenv(name)});
-    }
-    pointAt(m_dir.path());
-  }
-  void TearDown() override {
-    for (size_t i = 0; i < m_saved.size(); ++i) {
-      m_saved[i].first ? qputenv(kVariables[i], m_saved[i].second) : qunsetenv(kVariables[i]);
-    }
-  }
-  static void pointAt(const QString& root) {
-    qputenv("XDG_CONFIG_HOME", QFile::encodeName(root + "/home/.config"));
-    qputenv("XDG_CONFIG_DIRS", QFile::encodeName(root + "/etc/xdg"));
-    qputenv("XDG_DATA_HOME", QFile::encodeName(root + "/home/.local/share"));
-    qputenv("XDG_DATA_DIRS", QFile::encodeName(root + "/usr/local/share:" + root + "/usr/share"));
-    qputenv("PATH", QFile::encodeName(root + "/bin"));
-    qunsetenv("XDG_CURRENT_DESKTOP");
-  }
-  // Files below `root`; those in bin/ are made executable.
-  static void write(const QString& root, const QString& relative, const QByteArray& content) {
-    const QString path = root + "/" + relative;
-    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).absolutePath()));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(content);
-    file.close();
-    if (relative.contains("bin/")) file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
-  }
-  QString at(const QString& relative) const { return m_dir.filePath(relative); }
-
- private:
-  QTemporaryDir m_dir;
-  std::vector<std::pair<bool, QByteArray>> m_saved;
-};
 
 // Shorthands for the table below.
 const QByteArray kPdfApp =
@@ -77,7 +32,7 @@ struct LookupCase {
   const char* expected;  // path of the chosen entry, "" for none
 };
 
-TEST_F(MimeAppsTest, DefaultApplicationLookup) {
+TEST(MimeApps, DefaultApplicationLookup) {
   const QString sys = QStringLiteral("usr/share/applications/");
   const QString user = QStringLiteral("home/.local/share/applications/");
   const QString config = QStringLiteral("home/.config/");
@@ -131,46 +86,46 @@ TEST_F(MimeAppsTest, DefaultApplicationLookup) {
   };
   for (const LookupCase& c : cases) {
     SCOPED_TRACE(c.what);
-    // Each case gets folders of its own below a fresh root.
-    QTemporaryDir scratch;
-    const QString root = scratch.path();
-    pointAt(root);
+    test::XdgSandbox box;
     if (c.desktop) qputenv("XDG_CURRENT_DESKTOP", c.desktop);
-    for (const auto& [path, content] : c.files) write(root, path, content);
+    for (const auto& [path, content] : c.files) ASSERT_TRUE(box.write(path, content));
     const auto entry = DefaultApplication(QStringLiteral("application/pdf"));
-    const QString chosen = entry ? QDir(root).relativeFilePath(entry->path) : QString();
+    const QString chosen = entry ? QDir(box.root()).relativeFilePath(entry->path) : QString();
     EXPECT_EQ(chosen, QString::fromUtf8(c.expected));
   }
 }
 
-TEST_F(MimeAppsTest, FilesInPrecedenceOrder) {
+TEST(MimeApps, FilesInPrecedenceOrder) {
+  const test::XdgSandbox box;
   qputenv("XDG_CURRENT_DESKTOP", "KDE:Plasma");
   QStringList expected;
   const QStringList folders = {"home/.config", "etc/xdg", "home/.local/share/applications",
                                "usr/local/share/applications", "usr/share/applications"};
   for (const QString& folder : folders) {
     for (const char* name : {"/kde-mimeapps.list", "/plasma-mimeapps.list", "/mimeapps.list"}) {
-      expected << at(folder + name);
+      expected << box.at(folder + name);
     }
   }
-  for (const QString& folder : folders.mid(2)) expected << at(folder + "/defaults.list");
+  for (const QString& folder : folders.mid(2)) expected << box.at(folder + "/defaults.list");
   EXPECT_EQ(MimeAppsFiles(), expected);
 }
 
-TEST_F(MimeAppsTest, UnsetOrRelativeVariablesFallBackToTheStandardFolders) {
+TEST(MimeApps, UnsetOrRelativeVariablesFallBackToTheStandardFolders) {
+  const test::XdgSandbox box;
   qunsetenv("XDG_CONFIG_DIRS");
   qunsetenv("XDG_DATA_DIRS");
   qputenv("XDG_DATA_HOME", "relative/is/ignored");
-  EXPECT_EQ(ConfigDirs(), (QStringList{at("home/.config"), "/etc/xdg"}));
+  EXPECT_EQ(ConfigDirs(), (QStringList{box.at("home/.config"), "/etc/xdg"}));
   EXPECT_EQ(DataDirs(),
             (QStringList{QDir::homePath() + "/.local/share", "/usr/local/share", "/usr/share"}));
 }
 
-TEST_F(MimeAppsTest, FindOnPathSearchesInOrder) {
-  const QString root = at("");
-  write(root, "bin/first/tool", "#!/bin/sh\n");
-  write(root, "bin/second/tool", "#!/bin/sh\n");
-  write(root, "plain/tool", "not executable\n");
+TEST(MimeApps, FindOnPathSearchesInOrder) {
+  const test::XdgSandbox box;
+  const auto at = [&box](const QString& relative) { return box.at(relative); };
+  ASSERT_TRUE(box.write("bin/first/tool", "#!/bin/sh\n", true));
+  ASSERT_TRUE(box.write("bin/second/tool", "#!/bin/sh\n", true));
+  ASSERT_TRUE(box.write("plain/tool", "not executable\n"));
   qputenv("PATH", QFile::encodeName(at("plain") + "::" + at("bin/first") + ":" + at("bin/second")));
   EXPECT_EQ(FindOnPath("tool"), at("bin/first/tool"));
   EXPECT_EQ(FindOnPath("missing"), QString());
