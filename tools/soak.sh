@@ -3,9 +3,10 @@
 # every second, for a given time (default 600 s). Samples the resident memory every 10 s and
 # checks that it stays flat after the first minute, that the process lives, that it keeps
 # polling (the bytes it reads grow every 10 s; each poll reads a few hundred from the port),
-# that no error box stands open, and that the GPS log holds well-formed lines. The log gets
-# a line at the first fix and whenever the own locator field was changed otherwise, so in
-# steady reception it stays short. Not part of CI.
+# that no error box stands open, that the window still answers a menu key at the end, and
+# that the GPS log holds well-formed lines. The log gets a line at the first fix and whenever
+# the own locator field was changed otherwise, so in steady reception it stays short.
+# Not part of CI.
 #   sh tools/soak.sh [seconds]        (BUILD_DIR=build by default; SOAK_KEEP=1 keeps the folder)
 set -eu
 cd "$(dirname "$0")/.."
@@ -99,6 +100,19 @@ while [ "$t" -lt "$duration" ]; do
   [ "$(boxes)" -gt 0 ] && boxes_seen=$((boxes_seen + 1))
 done
 
+# A poll left locked keeps the menus disabled: Ctrl+H must still bring up the height figures.
+answered=skipped
+if command -v xdotool >/dev/null && command -v xwininfo >/dev/null; then
+  answered=no
+  win=$(DISPLAY="$display" xdotool search --onlyvisible --pid "$app" | head -n 1)
+  DISPLAY="$display" xdotool mousemove --window "$win" 40 90 click 1
+  for _ in $(seq 30); do
+    DISPLAY="$display" xdotool key --clearmodifiers ctrl+h
+    sleep 0.5
+    if DISPLAY="$display" xwininfo -root -children | grep -q '"GPS - H'; then answered=yes; break; fi
+  done
+fi
+
 status=0
 growth=0
 [ -n "$base" ] && growth=$((max - base))
@@ -109,6 +123,8 @@ echo "log lines: $n; 10-s samples without polling: $stalls; samples with a box o
 [ "$n" -ge 1 ] || { echo "FAIL: no log line"; status=1; }
 [ "$stalls" -eq 0 ] || { echo "FAIL: polling stalled"; status=1; }
 [ "$boxes_seen" -eq 0 ] || { echo "FAIL: a message box stood open"; status=1; }
+echo "height figures on Ctrl+H at the end: $answered"
+[ "$answered" != no ] || { echo "FAIL: the window did not answer Ctrl+H"; status=1; }
 # Date, GPS time and locator in zones of 14 columns, each line ended by CR LF.
 bad=$(awk 'BEGIN { bad = 0 }
   { line = $0
