@@ -52,7 +52,14 @@ QString BooleanText(bool value) {
 }
 
 QString TwipsText(float twips) {
-  return QString::number(twips, 'g', 7);
+  // Seven digits read back as another single for some values; nine always suffice, and the
+  // fewest that do keep the usual positions as short as they look.
+  QString text;
+  for (int digits = 7; digits <= 9; ++digits) {
+    text = QString::number(twips, 'g', digits);
+    if (static_cast<float>(Val(text)) == twips) break;
+  }
+  return text;
 }
 
 StartupSettings ReadStartupSettings(Module1& state) {

@@ -21,7 +21,7 @@ struct PollInterval {
 std::optional<PollInterval> ReadInterval(const QString& text);
 std::optional<std::int16_t> ReadRadiusPosition(const QString& text);
 
-// The texts written at exit.
+// The texts written at exit. A window position reads back as the same single.
 QString BooleanText(bool value);
 QString TwipsText(float twips);
 
