@@ -17,8 +17,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <cmath>
-
 namespace marvento {
 namespace {
 
@@ -61,7 +59,6 @@ class NmeaCorpus : public ::testing::Test {
 
 TEST_F(NmeaCorpus, PositionsAgreeWithGpsd) {
   int compared = 0;
-  int refused = 0;
   for (const QString& path : corpusFiles(QStringLiteral("*.chk"))) {
     const QStringList lines = QString::fromLatin1(readAll(path)).split(u'\n');
     for (qsizetype i = 0; i + 1 < lines.size(); ++i) {
@@ -69,10 +66,7 @@ TEST_F(NmeaCorpus, PositionsAgreeWithGpsd) {
       const QJsonObject tpv = QJsonDocument::fromJson(lines[i + 1].toUtf8()).object();
       if (!tpv.contains(u"lat") || !tpv.contains(u"lon")) continue;
       const DecodedSentence d = DecodeSentence(lines[i] + QStringLiteral("\r\n"), {});
-      if (!d.positionGood) {
-        ++refused;
-        continue;
-      }
+      if (!d.positionGood) continue;
       const double lat = (d.latSign == u"-" ? -1 : 1) * d.lat.deg;
       const double lon = (d.lonSign == u"-" ? -1 : 1) * d.lon.deg;
       EXPECT_NEAR(lat, tpv.value(u"lat").toDouble(), 1e-5)
@@ -82,28 +76,7 @@ TEST_F(NmeaCorpus, PositionsAgreeWithGpsd) {
       ++compared;
     }
   }
-  RecordProperty("compared", compared);
-  RecordProperty("refused", refused);
   EXPECT_GT(compared, 300);
-}
-
-// Every line of every capture, binary parts included, decodes without harm, and what the
-// decoder calls a good position is one.
-TEST_F(NmeaCorpus, EveryLineDecodes) {
-  int good = 0;
-  for (const QString& path : corpusFiles(QStringLiteral("*.log"))) {
-    const QString text = QString::fromLatin1(readAll(path));
-    for (const QString& line : text.split(u'\n')) {
-      const DecodedSentence d = DecodeSentence(line, text);
-      if (!d.positionGood) continue;
-      ++good;
-      EXPECT_GT(std::fabs(d.lat.deg), 1e-7);
-      EXPECT_LT(std::fabs(d.lat.deg), 90.0);
-      EXPECT_LT(std::fabs(d.lon.deg), 180.0);
-      EXPECT_TRUE(knownSentence(line)) << line.toStdString();
-    }
-  }
-  EXPECT_GT(good, 300);
 }
 
 // The captures replayed through a pseudo-terminal, exchange after exchange: every exchange
@@ -112,7 +85,6 @@ TEST_F(NmeaCorpus, ExchangeOverAPseudoTerminal) {
   const QString settings = QStringLiteral("4000000,N,8,1");
   const double limitMs = ExchangeWaitMs(4000000) + 500;
   test::SetNoPortDevices();
-  int sentences = 0;
   int filesWithSentences = 0;
   for (const QString& path : corpusFiles(QStringLiteral("*.log"))) {
     SCOPED_TRACE(path.toStdString());
@@ -145,11 +117,9 @@ TEST_F(NmeaCorpus, ExchangeOverAPseudoTerminal) {
       DecodeSentence(result, raw);
       ++found;
     }
-    sentences += found;
     if (found > 0) ++filesWithSentences;
   }
   test::ClearPortDevices();
-  RecordProperty("sentences", sentences);
   EXPECT_GT(filesWithSentences, 30);
 }
 

@@ -46,11 +46,4 @@ class PtyFeeder {
   std::thread m_thread;
 };
 
-// The same piece again and again, every `everyMs`, for `totalMs`.
-inline std::vector<Piece> Repeat(const QByteArray& bytes, int everyMs, int totalMs) {
-  std::vector<Piece> pieces;
-  for (int t = 0; t < totalMs; t += everyMs) pieces.push_back({everyMs, bytes});
-  return pieces;
-}
-
 }  // namespace marvento::test

@@ -3,15 +3,12 @@
 #include "FakeClock.h"
 #include "PtyFeeder.h"
 #include "app/Module1.h"
-#include "gps/EntryLock.h"
 #include "gps/GpsPoll.h"
 #include "platform/CommControl.h"
 #include "platform/MsgBoxRecorder.h"
 #include "support/Pty.h"
 
-#include <QAction>
 #include <QApplication>
-#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
@@ -33,8 +30,6 @@ const QByteArray kRmc =
     "$GPRMC,123519.00,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A\r\n";
 const QByteArray kRmcV =
     "$GPRMC,123519.00,V,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A\r\n";
-const QByteArray kRmc0 =
-    "$GPRMC,123519.00,A,4807.038,N,01131.000,E,0.0,084.4,230394,003.1,W*6A\r\n";
 constexpr int kOpenMs = 60;
 
 }  // namespace
@@ -50,9 +45,7 @@ class TestGpsPoll : public QObject {
   void goodData();
   void threeFailedTriesFromStart();
   void sixFailedTriesAfterData();
-  void cancelAtBusyPortQuestion();
-  void clockCorrectedOnlyThroughTheClockGiven();
-  void lockAndUnlock();
+  void clockSetOnlyThroughTheClockGiven();
 
  private:
   void poll() { m_poll->poll(1, QStringLiteral("4000000,N,8,1")); }
@@ -62,7 +55,6 @@ class TestGpsPoll : public QObject {
   }
 
   QTemporaryDir m_config;
-  QLocale m_savedLocale;
   std::unique_ptr<test::Pty> m_pty;
   std::unique_ptr<test::PtyFeeder> m_feeder;
   QLabel m_lbInfo, m_lbKurs, m_panel1, m_panel2;
@@ -80,7 +72,6 @@ class TestGpsPoll : public QObject {
 
 void TestGpsPoll::initTestCase() {
   qputenv("XDG_CONFIG_HOME", m_config.path().toLocal8Bit());
-  m_savedLocale = QLocale();
   QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
 }
 
@@ -140,22 +131,21 @@ const struct GoodData {
   const char* panel2;
   const char* kurs;
   int computes;
+  const char* heights = "";  // what the height report is given
 } kGoodData[] = {
     {"GGA, decimal, placeholders", kGga + kGsa + kRmc + kGsv, true, "",
-     " 11,5166666666667| 48,1173|AA00AA|-179,999999|-89,999999", kHeight, "12:35:19", kCourse, 1},
+     " 11,5166666666667| 48,1173|AA00AA|-179,999999|-89,999999", kHeight, "12:35:19", kCourse, 1,
+     "545.4|M|8"},
     {"GGA, degrees, blanks in tbFremdLoc", kGga + kGsa + kRmc + kGsv, false, "   ",
      " 11° 31' 0,0\"| 48° 07' 2,28\"|AA00AA|-179° 59' 59,999\"|-89° 59' 59,999\"", kHeight,
-     "12:35:19", kCourse, 1},
-    {"remote locator given, its coordinates empty", kGga + kGsa + kRmc + kGsv, true, "JO31AB",
-     " 11,5166666666667| 48,1173|JO31AB||", kHeight, "12:35:19", kCourse, 1},
+     "12:35:19", kCourse, 1, "545.4|M|8"},
     {"RMC rules, no height line", kRmc + kGga + kGsa + kGsv, true, "JO31AB",
      " 11,5166666666667| 48,1173|JO31AB||", "", "12:35:19", kCourse, 1},
     {"RMC status V: nothing changes", kRmcV + kGga + kGsa + kGsv, true, "", "||||", "", "",
      "old course", 0},
-    {"RMC speed 0 clears the course", kRmc0 + kGga + kGsa + kGsv, true, "JO31AB",
-     " 11,5166666666667| 48,1173|JO31AB||", "", "12:35:19", "", 1},
     {"GGA without position: time, no fix written", kGgaBad + kGsa + kGsv + kGsv, true, "", "||||",
-     "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", "12:35:20", "old course", 0},
+     "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", "12:35:20", "old course", 0,
+     "12.0|M|4"},
 };
 
 void TestGpsPoll::goodData_data() {
@@ -190,14 +180,18 @@ void TestGpsPoll::goodData() {
   QVERIFY(!m_poll->isPolling());
   if (c.computes > 0) QVERIFY(m_pollingSeenInCompute);
   QCOMPARE(m_clock.sets().size(), 0);  // GpsZeit is off
-  if (c.stream.startsWith("$GPGGA,123519.00")) QCOMPARE(m_heights, QStringList{"545.4|M|8"});
+  QCOMPARE(m_heights.join(u';'), QString::fromUtf8(c.heights));
 }
 
 void TestGpsPoll::threeFailedTriesFromStart() {
   MsgBoxRecorder boxes;
   m_tbMyLg.setText(QStringLiteral("typed"));
   for (int tryNo = 1; tryNo <= 2; ++tryNo) {
+    // Two hourglasses stacked by locks in a row: the poll removes both.
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    QApplication::setOverrideCursor(Qt::WaitCursor);
     poll();
+    QVERIFY(!QApplication::overrideCursor());
     QCOMPARE(m_lbInfo.text(),
              QStringLiteral("%1. Versuch/3 : Zur Zeit kein GPS-Empfang").arg(tryNo));
     QCOMPARE(boxes.count(), 0);
@@ -219,16 +213,6 @@ void TestGpsPoll::threeFailedTriesFromStart() {
   // A failed poll leaves the fields and the course line alone.
   QCOMPARE(m_tbMyLg.text(), QStringLiteral("typed"));
   QCOMPARE(m_lbKurs.text(), QStringLiteral("old course"));
-
-  // Switched on again with the count still at 3: the first failure is the 4th of 3 and
-  // ends reception at once.
-  m_state.GpsStatus = kGpsAn;
-  m_timer.start();
-  poll();
-  QCOMPARE(m_poll->GpsTries(), std::int16_t(4));
-  QCOMPARE(boxes.count(), 2);
-  QCOMPARE(m_state.GpsStatus, kGpsAus);
-  QVERIFY(!m_timer.isActive());
 }
 
 void TestGpsPoll::sixFailedTriesAfterData() {
@@ -251,56 +235,21 @@ void TestGpsPoll::sixFailedTriesAfterData() {
   QCOMPARE(m_tbMyBr.text(), QStringLiteral(" 48° 07' 2,28\""));
 }
 
-void TestGpsPoll::cancelAtBusyPortQuestion() {
-  MsgBoxRecorder boxes;
-  m_state.BusyPort = 1;
-  for (int i = 0; i < 3; ++i) boxes.answer(vbCancel);
-  poll();
-  QCOMPARE(m_lbInfo.text(), QStringLiteral("1. Versuch/3 : Bitte andere Schnittstelle auswählen"));
-  poll();
-  poll();
-  QCOMPARE(boxes.count(), 4);  // three questions, then the end of reception
-  QCOMPARE(boxes.entries()[0].call.title, QStringLiteral(" Achtung"));
-  QCOMPARE(boxes.last().prompt, QStringLiteral("GPS-Datenübertragungsfehler:\nBitte andere "
-                                               "Schnittstelle auswählen\nGPS-Empfang wurde "
-                                               "deaktiviert !"));
-  QCOMPARE(m_state.GpsStatus, kGpsAus);
-  QVERIFY(!m_comm.portOpen());
-}
-
-void TestGpsPoll::clockCorrectedOnlyThroughTheClockGiven() {
-  m_state.GpsZeit = true;
-  feed(kGga + kGsa + kGsv + kGsv);
-  poll();
-  QCOMPARE(m_clock.sets(), QList<QTime>{QTime(14, 35, 19)});
-  QCOMPARE(m_clock.time(), QTime(14, 35, 19));
-  QCOMPARE(m_panel2.text(), QStringLiteral("12:35:19"));
-}
-
-void TestGpsPoll::lockAndUnlock() {
-  QWidget toolBar;
-  QComboBox combo;
-  QAction aktion(QStringLiteral("Aktion"));
-  QAction help(QStringLiteral("Hilfe"));
-  const EntryControls controls{
-      {&toolBar, &combo, &m_tbMyLoc, &m_tbMyLg, &m_tbMyBr, &m_tbFremdLg, &m_tbFremdBr},
-      {&aktion, &help}};
-  LockEntry(controls);
-  QVERIFY(QApplication::overrideCursor());
-  QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
-  for (QWidget* w : controls.widgets) QVERIFY(!w->isEnabled());
-  QVERIFY(!aktion.isEnabled() && !help.isEnabled());
-  QVERIFY(m_tbFremdLoc.isEnabled());
-
-  UnlockEntry(controls);
-  for (QWidget* w : controls.widgets) QVERIFY(w->isEnabled());
-  QVERIFY(aktion.isEnabled() && help.isEnabled());
-  QVERIFY(QApplication::overrideCursor());  // the poll puts the pointer back, not this
-
-  // Two locks in a row leave one hourglass that a single reset removes.
-  LockEntry(controls);
-  poll();
-  QVERIFY(!QApplication::overrideCursor());
+// The system may refuse the new time: nothing is said, the panel is written all the same.
+void TestGpsPoll::clockSetOnlyThroughTheClockGiven() {
+  for (const bool refuse : {false, true}) {
+    m_clock.set(QDateTime(QDate(2026, 11, 18), QTime(14, 22, 10)));
+    m_clock.refuse(refuse);
+    m_state.GpsZeit = true;
+    feed(kGga + kGsa + kGsv + kGsv);
+    MsgBoxRecorder boxes;
+    poll();
+    QCOMPARE(m_clock.sets().last(), QTime(14, 35, 19));
+    QCOMPARE(m_clock.time(), refuse ? QTime(14, 22, 10) : QTime(14, 35, 19));
+    QCOMPARE(m_panel2.text(), QStringLiteral("12:35:19"));
+    QCOMPARE(boxes.count(), 0);
+    m_feeder.reset();
+  }
 }
 
 QTEST_MAIN(TestGpsPoll)
