@@ -22,37 +22,29 @@ TEST(ParseCoordinates, Longitudes) {
   } cases[] = {
       {false, "13°22'30\"", 13.375, nullptr},
       {false, "-13° 22' 30,5\"", -13.3751388888889, nullptr},
-      {false, "- 8° 30' 0\"", -8.5, nullptr},
       {false, "-0°30'0\"", -0.5, nullptr},
       {false, "13°22'\"", 13.3666666666667, nullptr},
-      {false, "13°'\"", 13, nullptr},
       {false, "13° 22,5' 30\"", 13.375, nullptr},
       {false, "13° 22.5' 30\"", 13.3833333333333, nullptr},
-      {false, "8-3°0'0\"", 8, nullptr},
       {false, "179° 59' 59,99999\"", 179.999999997222, nullptr},
       {false, "13°-5'0\"", 12.9166666666667, nullptr},
-      {false, "13°59.999'0\"", 13.9999833333333, nullptr},
-      {false, "179° 59.999' 59.99999\"", 0, kLgLimit},
       {false, "-180°0'0\"", 0, kLgLimit},
       {false, "13°60'0\"", 0, kLgLimit},
+      {false, "13°59.999'0\"", 13.9999833333333, nullptr},
       {false, "13°59.9995'0\"", 0, kLgLimit},
       {false, "13°22'60\"", 0, kLgLimit},
       {false, "1E999°0'0\"", 0, kLgLimit},
-      {false, "13°0'-1E999\"", 0, kLgLimit},
       {false, "13", 0, kHint},
       {false, "13°22'30", 0, kHint},
-      {false, "13°22'30\" x", 0, kHint},
       // The minute mark in front of the degree mark: told as a format fault.
       {false, "13'22°30\"", 0, kHint},
       {false, "", 0, kHint},
       {true, "13,4", 13.4, nullptr},
-      {true, "13.4", 13.4, nullptr},
       {true, "-13,4°", -13.4, nullptr},
       {true, "13° 24' 0\"", 13, nullptr},
       {true, "abc", 0, nullptr},
       {true, "179,9999999", 179.9999999, nullptr},
       {true, "-180", 0, kDecLimit},
-      {true, "1E999", 0, kDecLimit},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
@@ -78,9 +70,7 @@ TEST(ParseCoordinates, LatitudeLimitsAndOrder) {
   } cases[] = {
       {"13°0'0\"", "89° 59' 59,99999\"", false, 89.9999999972222, nullptr},
       {"13°0'0\"", "90°0'0\"", false, 0, "90°0'0\" ( max ±89° 59' 59,99999\" ) "},
-      {"13°0'0\"", "52,5", false, 0, "52,5 ( wie x°x'x\" ) "},
       {"13,4", "90", true, 0, " ( max ±89,9999999°\" ) "},
-      {"13,4", "-89,99", true, -89.99, nullptr},
       // Both bad: only the longitude is reported.
       {"200", "100", true, 0, kDecLimit},
       {"x", "y", false, 0, "x ( wie x°x'x\" ) "},
@@ -119,17 +109,6 @@ TEST(CoordinateText, WrittenInBothForms) {
   }
   EXPECT_FALSE(CoordinateText(1e6, false).has_value());
   EXPECT_FALSE(SplitDegrees(std::nan("")).has_value());
-}
-
-TEST(CoordinateText, TinySecondsUseTheExponentAndReadBack) {
-  // A 10-character locator's 13.4 lies a hair above the whole minute.
-  const double lg = 12 + 16.0 / 12 + 8.0 / 120;
-  const QString text = CoordinateText(lg, false).value();
-  EXPECT_TRUE(text.startsWith(QStringLiteral(" 13° 2")) && text.contains(u'E'))
-      << text.toStdString();
-  const CoordinateRead back = ParseCoordinates(text.trimmed(), u"0° 0' 0\"", false);
-  ASSERT_TRUE(back.ok) << back.prompt.toStdString();
-  EXPECT_NEAR(back.Lg, lg, 1e-9);
 }
 
 }  // namespace

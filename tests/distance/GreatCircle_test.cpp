@@ -23,10 +23,8 @@ TEST(GreatCircle, CaptionsOfKnownPairs) {
       {"three decimals", 48.1, 11.6, -33.9, 151.2, kRadius, " 16329,23 km", "79,677 °"},
       {"below 10 km, due north", 50, 8, 50.05, 8, kRadius, "  5559,7 m", "0,0 °"},
       {"below 1 km, clamped", 50, 8, 50.005, 8, kRadius, "   555,97 m", "0,0 °"},
-      {"due south", 50, 8, 49.95, 8, kRadius, "  5559,7 m", "180,0 °"},
       {"antipode over the limit", 45, 10, -45, -170, "6378.137", " 20037,51 km", "-"},
       {"limit short of the antipode", 0.1, 0, 0.1, 179.9, "6384", " 20031,01 km", "-"},
-      {"radius with a point", 51.5, 8.5, 52.5, 13.4, "6371.00079", " 353,31 km", "69,74 °"},
       // Regression: the western side of north must round up to 360, not wrap to 0.
       {"hair west of north", 50, 8, 60, 7.99999, kRadius, " 1111,95 km", "360,0 °"},
       {"shortest distance", 50, 8, 50, 8, kRadius, "   0,28 m", "90,0 °"},
@@ -57,30 +55,6 @@ TEST(GreatCircle, RunTimeErrorsLeaveCaptionsUnreached) {
     const DistanceBearing r = SolveDistanceBearing(c.myBr, 52.5, 8.5, 13.4, c.radius);
     EXPECT_EQ(r.error, c.error) << c.radius;
     EXPECT_FALSE(r.entfernung.has_value() || r.richtung.has_value()) << c.radius;
-  }
-}
-
-TEST(ArcCos, ValuesAndDomain) {
-  const struct {
-    double x;
-    double expected;
-    int error;
-  } cases[] = {
-      {0.5, 1.0471975511965979, kNoError},
-      {-0.5, 2.0943951023931957, kNoError},
-      {kUpperClamp, 4.47e-8, kNoError},
-      {kLowerClamp, 3.14159260888, kNoError},
-      {1, 0, kDivisionByZero},
-      {-1, 0, kDivisionByZero},
-      {1.5, 0, kInvalidCall},
-      {std::numeric_limits<double>::quiet_NaN(), 0, kInvalidCall},
-  };
-  for (const auto& c : cases) {
-    const Checked r = ArcCos(c.x);
-    EXPECT_EQ(r.error, c.error) << c.x;
-    if (c.error == kNoError) {
-      EXPECT_NEAR(r.value, c.expected, 1e-9) << c.x;
-    }
   }
 }
 

@@ -5,7 +5,6 @@
 
 #include <QApplication>
 #include <QComboBox>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QVBoxLayout>
@@ -92,8 +91,6 @@ const Failure kFailures[] = {
      nullptr, nullptr, false},
     {"2 remote station empty", "jo62qm||||7|", true, kR, "Fremdlocator", kIncomplete, 48, 1,
      "tbFremdLoc", nullptr, nullptr, false},
-    {"3 own locator too short", "jo6|||jo31nk||", true, kR, "jo6", " Falsche Eingabe !", 48, 1,
-     nullptr, nullptr, nullptr, false},
     // The own side is already written when the remote side is refused.
     {"3 remote locator too long", "jo62qm|||jo31nk12345||", true, kR, "JO31NK12345",
      " Falsche Eingabe !", 48, 1, nullptr, "JO62QM|13,375|52,5208333333333|JO31NK12345||", nullptr,
@@ -104,9 +101,6 @@ const Failure kFailures[] = {
      nullptr, "JO62QM|13,375|52,5208333333333|JO62YM||", nullptr, false},
     {"6 decimal longitude at the limit", "|180|52|jo31nk||", true, kR, " ( max ±179,9999999°\" ) ",
      " Falsche Gradeingabe !", 48, 0, nullptr, nullptr, nullptr, false},
-    {"6 minute mark before the degree mark", "|13'22°30\"|52°0'0\"|jo31nk||", false, kR,
-     "13'22°30\" ( wie x°x'x\" ) ", " Falsche Gradeingabe !", 48, 0, nullptr, nullptr, nullptr,
-     false},
     {"7 positions coincide", "jo62qm|||jo62qm||", true, kR, "Entfernung: < 1 m",
      " Bitte Bandmaß benutzen ! ", 64, 1, nullptr,
      "JO62QM|13,375|52,5208333333333|JO62QM|13,375|52,5208333333333", " 0 ", true},
@@ -129,12 +123,7 @@ class tst_Compute : public QObject {
   void allCoordinatesTypedFirst();
   void typedCoordinatesThroughLocator();
   void gpsLog();
-  void handlerRemembersAsTyped();
-  void bothSidesChanged();
   void oldLocatorStaysAsTyped();
-  void zeroCountsAsUnknown();
-  void strangeInput_data();
-  void strangeInput();
 };
 
 // A fresh start with two locators, then the user edits one thing after another.
@@ -232,14 +221,11 @@ void tst_Compute::plusRemoteLocator() {
   QCOMPARE(w.texts(), fields("JO62QM|13,375|52,5208333333333|+||"));
   QCOMPARE(w.lblEntfernung->text(), QString("alt"));
   QCOMPARE(w.remembered(), QStringList(6, QString()));
-
-  // Route C after a good run: ends likewise, nothing remembered.
+  // Route C after a good run ends likewise and leaves the memory as it was.
   w.tbFremdLoc->setText("jo31nk");
   w.command.Compute();
   w.tbFremdLoc->setText("+");
-  w.lblEntfernung->setText("alt");
   w.command.Compute();
-  QCOMPARE(w.lblEntfernung->text(), QString("alt"));
   QCOMPARE(w.command.memory().LastFremdLoc, QString("JO31NK"));
 
   // Route B remembers the "+" as any text; route D then replaces it by a real locator.
@@ -264,8 +250,6 @@ void tst_Compute::allCoordinatesTypedFirst() {
   } cases[] = {
       {"8|50|8|50,00000126", nullptr, nullptr},
       {"8|50|8|50,0000013", "   0,13 m", "0,0 °"},
-      {"8|50|8,00000083|50", nullptr, nullptr},
-      {"8|50|8,00000084|50", "   0,28 m", "90,0 °"},
       {"13,4|52,52|11,5|48,2", " 498,87 km", "196,41 °"},
   };
   for (const auto& c : cases) {
@@ -283,10 +267,6 @@ void tst_Compute::allCoordinatesTypedFirst() {
     const QStringList after = w.texts();
     QCOMPARE(QStringList({after[1], after[2], after[4], after[5]}), t);
   }
-  Window w;
-  w.type({"", "13,4", "52,52", "", "11,5", "48,2"});
-  w.command.Compute();
-  QCOMPARE(w.tbMyLoc->text() + w.tbFremdLoc->text(), QString("JO62QMJN58SE"));
 }
 
 // Route A with the own locator empty: the typed point gives way to the decoded one.
@@ -321,7 +301,6 @@ void tst_Compute::gpsLog() {
   } cases[] = {
       {kGpsAn, true, {1, 1, 1, 2, 2, 3, 4}},
       {kGpsAn, false, {0, 0, 0, 0, 0, 0, 0}},
-      {kGpsAus, true, {0, 0, 0, 0, 0, 0, 0}},
   };
   for (const auto& c : cases) {
     Window w;
@@ -348,41 +327,6 @@ void tst_Compute::gpsLog() {
   }
 }
 
-// After a run-time error the fields are remembered without capitals.
-void tst_Compute::handlerRemembersAsTyped() {
-  Window w;
-  MsgBoxRecorder rec;
-  w.type({"jo62qm", "", "", "jo31nk", "", ""});
-  w.command.Compute();
-  w.tbMyLg->setText("13,4");
-  w.tbFremdLoc->setText("jo31nk");
-  w.Combo1->setEditText("1E999");
-  w.command.Compute();
-  QCOMPARE(rec.count(), 0);
-  QCOMPARE(rec.beeps(), 1);
-  QCOMPARE(w.remembered(),
-           QStringList({"JO62QM", "13,4", "52,5208333333333", "jo31nk", "7,125", "51,4375"}));
-}
-
-// Own coordinates go first; the remote change is remembered without being read.
-void tst_Compute::bothSidesChanged() {
-  Window w;
-  MsgBoxRecorder rec;
-  w.type({"jo62qm", "", "", "jo31nk", "", ""});
-  w.command.Compute();
-  w.type({"JO62QM", "13,4", "52,52", "JO31NK", "11,5", "48,2"});
-  w.command.Compute();
-  QCOMPARE(w.texts(), QStringList({"JO62QM", "13,4", "52,52", "JO31NK", "11,5", "48,2"}));
-  QCOMPARE(w.command.memory().FremdLg, 7.125);
-  const QString toOldRemote = w.lblEntfernung->text();
-  QVERIFY2(toOldRemote != " 444,53 km" && toOldRemote.endsWith(" km"), qPrintable(toOldRemote));
-  // The next command finds no difference and solves to the old remote numbers again.
-  w.lblEntfernung->clear();
-  w.command.Compute();
-  QCOMPARE(w.lblEntfernung->text(), toOldRemote);
-  QCOMPARE(rec.count(), 0);
-}
-
 void tst_Compute::oldLocatorStaysAsTyped() {
   Window w;
   MsgBoxRecorder rec;
@@ -390,75 +334,6 @@ void tst_Compute::oldLocatorStaysAsTyped() {
   w.command.Compute();
   QCOMPARE(rec.count(), 0);
   QCOMPARE(w.texts().mid(3), QStringList({"EK74H", "8,63333333333333", "50,1041666666667"}));
-}
-
-// A locator that decodes to exactly 0 leaves the own numbers "not known", so that the
-// solve reads the entries as they stood when the command began: empty reads as 0 in the
-// decimal form and is refused in the degrees form.
-void tst_Compute::zeroCountsAsUnknown() {
-  for (const bool gradDezimal : {true, false}) {
-    Window w(gradDezimal);
-    MsgBoxRecorder rec;
-    w.type({"jj00aa00aa", "", "", "jo31nk", "", ""});
-    w.command.Compute();
-    QCOMPARE(rec.count(), gradDezimal ? 0 : 1);
-    QCOMPARE(w.tbMyLoc->text(), QString(gradDezimal ? "JJ00AA" : "JJ00AA00AA"));
-    if (gradDezimal) {
-      QVERIFY(w.lblEntfernung->text().endsWith(" km"));
-    } else {
-      QCOMPARE(rec.last().prompt, QString(" ( wie x°x'x\" ) "));
-      QCOMPARE(w.lblEntfernung->text(), QString());
-    }
-  }
-}
-
-void tst_Compute::strangeInput_data() {
-  QTest::addColumn<int>("field");
-  QTest::addColumn<QString>("text");
-  QTest::addColumn<bool>("gradDezimal");
-  const QString nul = QString(QChar(u'\0'));
-  const QStringList texts = {
-      QString(10000, u'A'),
-      QString(10000, u'9'),
-      "13°" + QString(10000, u'\'') + "\"",
-      "jo" + nul + "2qm",
-      QString::fromUtf16(u"\U0001F4E1\U0001F4E1\U0001F4E1"),
-      QString(QChar(0xD800)) + "o62qm",
-      "-1E999",
-      "-°'\"",
-      "RR99XX99XX",
-  };
-  for (int field = 0; field < 6; ++field) {
-    for (int t = 0; t < texts.size(); ++t) {
-      for (bool gradDezimal : {true, false}) {
-        QTest::addRow("field %d text %d %s", field, t, gradDezimal ? "dec" : "dms")
-            << field << texts[t] << gradDezimal;
-      }
-    }
-  }
-}
-
-// Whatever stands in a field, the command returns promptly with at most one box per run.
-void tst_Compute::strangeInput() {
-  QFETCH(int, field);
-  QFETCH(QString, text);
-  QFETCH(bool, gradDezimal);
-  Window w(gradDezimal);
-  MsgBoxRecorder rec;
-  w.type({"jo62qm", "", "", "jo31nk", "", ""});
-  w.command.Compute();  // fills all four coordinates in the current form
-  QElapsedTimer clock;
-  clock.start();
-  for (int run = 0; run < 3; ++run) {
-    rec.clear();
-    w.fields()[field]->setText(text);
-    w.command.Compute();
-    QVERIFY(rec.count() <= 1 && rec.beeps() <= 1);
-  }
-  QVERIFY2(clock.elapsed() < 2000, qPrintable(QString::number(clock.elapsed())));
-  // A solved result is always a proper caption.
-  const QString e = w.lblEntfernung->text();
-  QVERIFY2(e.endsWith(" km") || e.endsWith(" m") || e == " 0 ", qPrintable(e));
 }
 
 QTEST_MAIN(tst_Compute)

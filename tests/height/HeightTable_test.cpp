@@ -49,10 +49,6 @@ TEST(HeightTableTest, SampleSequences) {
   std::vector<Step> keepPending(clearPending.begin(), clearPending.end() - 1);
 
   const SequenceCase cases[] = {
-      {"first sample becomes the reference",
-       {{"545.4", "M", "8"}},
-       {{5454, w8}},
-       {5454, 0, 1, "M"}},
       {"35.9 away still passes",
        {{"545.4", "M", "8"}, {"581.3", "M", "8"}},
        {{5454, w8}, {5813, w8}},
@@ -73,14 +69,6 @@ TEST(HeightTableTest, SampleSequences) {
        {{"545.4", "M", "4"}, {"600.0", "M", "8"}, {"545.5", "M", "4"}, {"600.0", "M", "5"}},
        {{5454, w4}, {5455, w4}},
        {6000, 6000, 2, "M"}},
-      {"a tie goes to the even tenth",
-       {{"12.25", "M", "4"}, {"12.75", "M", "4"}},
-       {{122, w4}, {128, w4}},
-       {128, 0, 2, "M"}},
-      {"first sample 0.0 leaves no reference",
-       {{"0.0", "M", "4"}, {"100.0", "M", "4"}},
-       {{0, w4}, {1000, w4}},
-       {1000, 0, 2, "M"}},
       // PendingHeight10 starts at 0, so a repeated jump to 0.0 counts as the second of a pair.
       {"a jump to 0.0 clears the reference",
        {{"100.0", "M", "8"}, {"0.0", "M", "8"}, {"700.0", "M", "8"}},
@@ -97,10 +85,6 @@ TEST(HeightTableTest, SampleSequences) {
       {"nine accepted samples keep it", keepPending, {{5454, 9 * w4}}, {5454, 6000, 9, "M"}},
       {"garbage satellite counts store nothing",
        {{"545.4", "M", "40000"}, {"545.4", "M", ""}, {"545.4", "M", "1E999"}, {"545.4", "M", "x"}},
-       {},
-       {0, 0, 0, ""}},
-      {"heights beyond the limits are dropped before the filter",
-       {{"-500.1", "M", "8"}, {"10000.1", "M", "8"}, {"1E30", "M", "8"}, {"-1E400", "M", "8"}},
        {},
        {0, 0, 0, ""}},
       {"a garbled height twice neither becomes pending nor moves the reference",
@@ -125,18 +109,6 @@ TEST(HeightTableTest, SampleSequences) {
   }
 }
 
-TEST(HeightTableTest, WeightGrowsWithTheRootOfTheSatellites) {
-  const struct {
-    const char* sats;
-    float weight;
-  } cases[] = {{"4", 1.000f}, {"5", 1.118f}, {"9", 1.500f}, {"16", 2.000f}};
-  for (const auto& c : cases) {
-    HeightTable table;
-    ASSERT_EQ(table.sample(u"545.4", "M", QString(c.sats)), HeightTable::Outcome::Accepted);
-    EXPECT_NEAR(table.weight(5454), c.weight, 5e-4) << c.sats;
-  }
-}
-
 TEST(HeightTableTest, OutcomesAndBounds) {
   const struct {
     const char* alt;
@@ -146,12 +118,9 @@ TEST(HeightTableTest, OutcomesAndBounds) {
     std::int32_t upper;
   } cases[] = {
       {"545.4", "3", HeightTable::Outcome::TooFewSatellites, -500, 500},
-      {"8848.0", "4", HeightTable::Outcome::Accepted, -500, 88480},
-      {"-430.5", "4", HeightTable::Outcome::Accepted, -4305, 500},
       {"-500.04", "4", HeightTable::Outcome::Accepted, -5000, 500},
       {"10000.0", "4", HeightTable::Outcome::Accepted, -500, 100000},
       {"-500.1", "8", HeightTable::Outcome::OutOfRange, -500, 500},
-      {"nan", "4", HeightTable::Outcome::Accepted, -500, 500},    // no number: Val gives 0.0
       {"3E9", "4", HeightTable::Outcome::OutOfRange, -500, 500},  // too big for 32 bits
   };
   for (const auto& c : cases) {

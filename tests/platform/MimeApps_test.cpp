@@ -95,31 +95,6 @@ TEST(MimeApps, DefaultApplicationLookup) {
   }
 }
 
-TEST(MimeApps, FilesInPrecedenceOrder) {
-  const test::XdgSandbox box;
-  qputenv("XDG_CURRENT_DESKTOP", "KDE:Plasma");
-  QStringList expected;
-  const QStringList folders = {"home/.config", "etc/xdg", "home/.local/share/applications",
-                               "usr/local/share/applications", "usr/share/applications"};
-  for (const QString& folder : folders) {
-    for (const char* name : {"/kde-mimeapps.list", "/plasma-mimeapps.list", "/mimeapps.list"}) {
-      expected << box.at(folder + name);
-    }
-  }
-  for (const QString& folder : folders.mid(2)) expected << box.at(folder + "/defaults.list");
-  EXPECT_EQ(MimeAppsFiles(), expected);
-}
-
-TEST(MimeApps, UnsetOrRelativeVariablesFallBackToTheStandardFolders) {
-  const test::XdgSandbox box;
-  qunsetenv("XDG_CONFIG_DIRS");
-  qunsetenv("XDG_DATA_DIRS");
-  qputenv("XDG_DATA_HOME", "relative/is/ignored");
-  EXPECT_EQ(ConfigDirs(), (QStringList{box.at("home/.config"), "/etc/xdg"}));
-  EXPECT_EQ(DataDirs(),
-            (QStringList{QDir::homePath() + "/.local/share", "/usr/local/share", "/usr/share"}));
-}
-
 TEST(MimeApps, FindOnPathSearchesInOrder) {
   const test::XdgSandbox box;
   const auto at = [&box](const QString& relative) { return box.at(relative); };

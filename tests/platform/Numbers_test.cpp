@@ -17,14 +17,12 @@ TEST(Val, ReadsTheNumberAtTheStartOfAText) {
   const ValCase cases[] = {
       {u"", 0},
       {u"4800,N,8,1", 4800},
-      {u"30,7", 30},
       {u"  - 8", -8},       // blanks between sign and digits
       {u"1 2 3", 123},      // blanks inside the digits
       {u"\t12\r\n3", 123},  // tabs and line ends count as blanks
       {u".5", 0.5},
       {u"8-3", 8},  // a sign after the digits ends the number
       {u"1.5E-12", 1.5e-12},
-      {u"2e3x", 2000},
       {u"1e", 1},       // an exponent without digits is no exponent
       {u"1.2.3", 1.2},  // the second point ends the number
       {u"1E-400", 0},
@@ -33,17 +31,6 @@ TEST(Val, ReadsTheNumberAtTheStartOfAText) {
     SCOPED_TRACE(QString::fromUtf16(c.text).toStdString());
     EXPECT_DOUBLE_EQ(Val(QString::fromUtf16(c.text)), c.expected);
   }
-}
-
-TEST(Val, HugeAndHostileTextsGiveAValueWithoutCrashing) {
-  EXPECT_EQ(Val(QString(10000, u'7')), std::numeric_limits<double>::infinity());
-  EXPECT_EQ(Val(QStringLiteral("-1e99999")), -std::numeric_limits<double>::infinity());
-  EXPECT_DOUBLE_EQ(Val(QString(10000, QLatin1Char(0x20)) + QStringLiteral("42")), 42);
-  EXPECT_EQ(Val(QString::fromLatin1("12\0"
-                                    "34",
-                                    5)),
-            12);  // NUL ends the number
-  EXPECT_EQ(Val(QString::fromLatin1("\xe4\xf6\xfc")), 0);
 }
 
 TEST(IsNumeric, AcceptsNumbersOnly) {
@@ -63,14 +50,7 @@ TEST(Rounding, IntFloorsFixTruncates) {
   EXPECT_EQ(Int(-72.0), -72);
 }
 
-TEST(Rounding, IntegerConversionsGoHalfToEvenAndReportOverflow) {
-  const std::pair<double, int> cases[] = {
-      {30.5, 30}, {31.5, 32}, {-2.5, -2}, {12.5, 12}, {13.5, 14}, {0.4999, 0}, {-0.5, 0},
-  };
-  for (const auto& [value, expected] : cases) {
-    EXPECT_EQ(ToInt16(value), expected) << value;
-    EXPECT_EQ(ToInt32(value), expected) << value;
-  }
+TEST(Rounding, IntegerConversionsReportOverflow) {
   EXPECT_EQ(ToInt16(32767.4), 32767);
   EXPECT_FALSE(ToInt16(32767.5).has_value());
   EXPECT_FALSE(ToInt16(-32769).has_value());
