@@ -263,6 +263,39 @@ class tst_frmMain : public QObject {
     QCOMPARE(boxes.last().prompt, QStringLiteral("Kein GPS aktiv!        "));
     QCOMPARE(boxes.last().title, QStringLiteral(" GPS-Höhe "));
   }
+
+  void ctrlAWritesTheHeightReportOnlyWithReceptionOn() {
+    IsolatedUser user;
+    Program program;
+    frmMain* w = program.window();
+    QVERIFY(QTest::qWaitForWindowActive(w));
+    MsgBoxRecorder boxes;
+    w->tbFremdLoc->setFocus();
+    QTest::keyClick(w->tbFremdLoc, Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(boxes.count(), 0);
+    program.state().GpsStatus = QStringLiteral("GPS an");
+    QTest::keyClick(w->tbFremdLoc, Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(boxes.count(), 0);
+    QTest::keyClick(w->tbFremdLoc, Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(boxes.count(), 1);
+    const QString prompt = boxes.last().prompt;
+    QVERIFY2(prompt.endsWith(QStringLiteral("HoeheAusw.txt\nerfolgreich erstellt.")), qPrintable(prompt));
+    const QString path = prompt.mid(6, prompt.indexOf(u'\n') - 6);
+    QVERIFY(QFile::remove(path));
+  }
+
+  void logMenuCarriesTheFlag() {
+    IsolatedUser user;
+    SaveSetting(QStringLiteral("Protokoll"), QStringLiteral("True"));
+    Program program;
+    frmMain* w = program.window();
+    QVERIFY(w->mnuProtokoll->isChecked());
+    w->mnuProtokoll->trigger();
+    QVERIFY(!w->mnuProtokoll->isChecked());
+    QCOMPARE(program.state().ProtokollOn, false);
+    w->mnuProtokoll->trigger();
+    QCOMPARE(program.state().ProtokollOn, true);
+  }
 };
 
 QTEST_MAIN(tst_frmMain)

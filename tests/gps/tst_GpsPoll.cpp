@@ -213,6 +213,16 @@ void TestGpsPoll::threeFailedTriesFromStart() {
   // A failed poll leaves the fields and the course line alone.
   QCOMPARE(m_tbMyLg.text(), QStringLiteral("typed"));
   QCOMPARE(m_lbKurs.text(), QStringLiteral("old course"));
+
+  // Switched on again with the count still at 3: the first failure is the 4th of 3 and
+  // ends reception at once.
+  m_state.GpsStatus = kGpsAn;
+  m_timer.start();
+  poll();
+  QCOMPARE(m_poll->GpsTries(), std::int16_t(4));
+  QCOMPARE(boxes.count(), 2);
+  QCOMPARE(m_state.GpsStatus, kGpsAus);
+  QVERIFY(!m_timer.isActive());
 }
 
 void TestGpsPoll::sixFailedTriesAfterData() {
