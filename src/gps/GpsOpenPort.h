@@ -1,5 +1,7 @@
 #pragma once
 
+#include "gps/SentenceScanner.h"
+
 #include <QString>
 
 #include <cstdint>
@@ -10,31 +12,6 @@ namespace marvento {
 
 class CommControl;
 struct Module1;
-
-// Collects the accepted chunks of one exchange and finds the first whole sentence of a known
-// type ("$GPGGA", "$GPRMC", "$GPGLL") in them. A sentence is whole once the "$G" of its
-// successor has arrived; it runs from its "$" up to that "$G", checksum and line end
-// included. All positions are looked up anew over the whole text, so how the stream fell
-// into chunks does not matter.
-class SentenceScanner {
- public:
-  enum class Step {
-    NoKnownType,  // none of the three names has arrived yet
-    Incomplete,   // a known sentence has begun, its successor has not
-    Found,
-  };
-
-  Step add(const QString& chunk);
-  const QString& received() const { return m_received; }
-  // Valid after Found.
-  const QString& sentence() const { return m_sentence; }
-  // The whole receive text if it holds "$GPRMC", else empty. Valid after Found.
-  QString rawBuffer() const;
-
- private:
-  QString m_received;
-  QString m_sentence;
-};
 
 // How long an exchange waits, in milliseconds: 0.004 / sqrt(baud) days (4.99 s at 4800).
 double ExchangeWaitMs(double baud);
