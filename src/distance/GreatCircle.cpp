@@ -32,12 +32,6 @@ Checked divide(double numerator, double denominator) {
   return {q, kNoError};
 }
 
-QString distanceText(double km) {
-  if (km < 1) return QStringLiteral("   ") + Format(km * 1000, u"0.00") + QStringLiteral(" m");
-  if (km < 10) return QStringLiteral("  ") + Format(km * 1000, u"0.0") + QStringLiteral(" m");
-  return QStringLiteral(" ") + Format(km, u"0.00") + QStringLiteral(" km");
-}
-
 }  // namespace
 
 Checked ArcCos(double x) {
@@ -49,9 +43,15 @@ Checked ArcCos(double x) {
   return {std::atan(ratio.value) + 2 * std::atan(1.0), kNoError};
 }
 
-DistanceBearing SolveDistanceBearing(double MyBr, double FremdBr, double MyLg, double FremdLg,
-                                     const QString& radiusText) {
-  DistanceBearing out;
+Checked RadiusKm(const QString& radiusText) {
+  const double radius = Val(ToDotDecimal(radiusText));
+  if (!std::isfinite(radius)) return {0, kOverflow};
+  return {radius, kNoError};
+}
+
+GreatCircle SolveGreatCircle(double MyBr, double FremdBr, double MyLg, double FremdLg,
+                             double radiusKm) {
+  GreatCircle out;
   const double sinMyBr = std::sin(rad(MyBr));
   const double cosMyBr = std::cos(rad(MyBr));
   const double sinFremdBr = std::sin(rad(FremdBr));
@@ -65,22 +65,13 @@ DistanceBearing SolveDistanceBearing(double MyBr, double FremdBr, double MyLg, d
     return out;
   }
 
-  const double radius = Val(ToDotDecimal(radiusText));
-  if (!std::isfinite(radius)) {
-    out.error = kOverflow;
-    return out;
-  }
-  const double km = radius * kFullCircle / 360 * d.value * 180 / kPi;
+  const double km = radiusKm * kFullCircle / 360 * d.value * 180 / kPi;
   if (!std::isfinite(km)) {
     out.error = kOverflow;
     return out;
   }
-  out.entfernung = distanceText(km);
-
-  if (km <= 0 || km >= kDistanceLimitKm) {
-    out.richtung = QStringLiteral("-");
-    return out;
-  }
+  out.km = km;
+  if (km <= 0 || km >= kDistanceLimitKm) return out;
 
   const Checked x = divide(sinFremdBr - std::cos(d.value) * sinMyBr, std::sin(d.value) * cosMyBr);
   if (x.error) {
@@ -94,7 +85,33 @@ DistanceBearing SolveDistanceBearing(double MyBr, double FremdBr, double MyLg, d
   }
   double b = angle.value * 180 / kPi;
   if (std::sin(dLgRad) < 0) b = 360 - b;
-  out.richtung = Format(b, u"##0.0##") + QStringLiteral(" °");
+  out.bearing = b;
+  return out;
+}
+
+QString DistanceCaption(double km) {
+  if (km < 1) return QStringLiteral("   ") + Format(km * 1000, u"0.00") + QStringLiteral(" m");
+  if (km < 10) return QStringLiteral("  ") + Format(km * 1000, u"0.0") + QStringLiteral(" m");
+  return QStringLiteral(" ") + Format(km, u"0.00") + QStringLiteral(" km");
+}
+
+QString BearingCaption(std::optional<double> bearing) {
+  if (!bearing) return QStringLiteral("-");
+  return Format(*bearing, u"##0.0##") + QStringLiteral(" °");
+}
+
+DistanceBearing SolveDistanceBearing(double MyBr, double FremdBr, double MyLg, double FremdLg,
+                                     const QString& radiusText) {
+  DistanceBearing out;
+  const Checked radius = RadiusKm(radiusText);
+  if (radius.error) {
+    out.error = radius.error;
+    return out;
+  }
+  const GreatCircle r = SolveGreatCircle(MyBr, FremdBr, MyLg, FremdLg, radius.value);
+  out.error = r.error;
+  if (r.km) out.entfernung = DistanceCaption(*r.km);
+  if (r.bearing || r.bearingMeaningless()) out.richtung = BearingCaption(r.bearing);
   return out;
 }
 
