@@ -5,8 +5,8 @@
 #include "../tests/support/Pty.h"
 #include "app/Module1.h"
 #include "gps/GpsPoll.h"
-#include "gps/SerialExchange.h"
 #include "gps/SentenceDecoding.h"
+#include "gps/SerialExchange.h"
 #include "platform/Clock.h"
 #include "platform/CommControl.h"
 

@@ -34,8 +34,8 @@ struct ExchangeResult {
 // What a poll asks of the source. A source that has no port of its own ignores the port.
 struct ExchangeRequest {
   std::int16_t port = 0;
-  QString settings;              // "4800,N,8,1" and the like
-  std::int16_t busyPort = 0;     // the port the last scan found busy: asked about first
+  QString settings;           // "4800,N,8,1" and the like
+  std::int16_t busyPort = 0;  // the port the last scan found busy: asked about first
 };
 
 // One exchange with a position source, driven by the event loop: start() returns at once

@@ -3,8 +3,8 @@
 #include "app/Module1.h"
 #include "gps/EntryLock.h"
 #include "gps/GpsTime.h"
-#include "gps/SerialExchange.h"
 #include "gps/SentenceDecoding.h"
+#include "gps/SerialExchange.h"
 #include "platform/CommControl.h"
 #include "platform/MsgBox.h"
 

@@ -92,8 +92,9 @@ void SerialExchange::start(const ExchangeRequest& request, Finished finished) {
     if (r.number == comPortOpen) {
       kind = Kind::PortBusy;
       if (gpsdRunning()) {
-        reason += QStringLiteral(" gpsd läuft und hält den Empfänger vermutlich: gpsd als "
-                                 "Quelle wählen oder gpsd beenden.");
+        reason += QStringLiteral(
+            " gpsd läuft und hält den Empfänger vermutlich: gpsd als "
+            "Quelle wählen oder gpsd beenden.");
       }
     }
     finish(ExchangeResult::failed(kind, reason));
@@ -183,8 +184,7 @@ void SerialExchange::onHangUp() {
   if (m_phase != Phase::Waiting || m_comm.portOpen()) return;
   stopWaiting();
   finish(ExchangeResult::failed(
-      Kind::Disconnected,
-      QStringLiteral("Der GPS-Empfänger an %1 wurde getrennt.").arg(m_device)));
+      Kind::Disconnected, QStringLiteral("Der GPS-Empfänger an %1 wurde getrennt.").arg(m_device)));
 }
 
 void SerialExchange::stopWaiting() {

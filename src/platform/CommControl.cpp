@@ -100,8 +100,9 @@ QString PortDevice(int number) {
 std::optional<std::int16_t> PortForDevice(const QString& path, QString& reason) {
   struct stat info {};
   if (::stat(QFile::encodeName(path).constData(), &info) != 0) {
-    reason = QStringLiteral("Das Gerät %1 ist nicht vorhanden. Bitte Com1 bis Com29 oder den "
-                            "Pfad eines angeschlossenen Empfängers angeben, etwa /dev/ttyUSB0.")
+    reason = QStringLiteral(
+                 "Das Gerät %1 ist nicht vorhanden. Bitte Com1 bis Com29 oder den "
+                 "Pfad eines angeschlossenen Empfängers angeben, etwa /dev/ttyUSB0.")
                  .arg(path);
     return std::nullopt;
   }

@@ -87,8 +87,8 @@ class CommControl : public QObject {
   bool portOpen() const;
   // Opening: 8005 when open already or held by another program (portOpen() tells the two
   // apart; a device another program opened exclusively counts as held, also for root),
-  // 8002 when the device does not exist, another number (with a German description naming the device, and the
-  // dialout group when the right to open it is missing) for every other failure.
+  // 8002 when the device does not exist, another number (with a German description naming the
+  // device, and the dialout group when the right to open it is missing) for every other failure.
   // Closing drops whatever still waits.
   CommResult setPortOpen(bool open);
 

@@ -194,17 +194,16 @@ struct ExchangeRun {
   qint64 longestGapMs = 0;
 };
 
-ExchangeRun runExchange(CommControl& comm, const QString& settings, std::function<void()> during = {},
-                int limitMs = 8000) {
+ExchangeRun runExchange(CommControl& comm, const QString& settings,
+                        std::function<void()> during = {}, int limitMs = 8000) {
   ExchangeRun run;
   SerialExchange exchange(comm);
   QEventLoop loop;
   QTimer probe;
   QElapsedTimer sinceTick;
   probe.setTimerType(Qt::PreciseTimer);
-  QObject::connect(&probe, &QTimer::timeout, [&] {
-    run.longestGapMs = std::max(run.longestGapMs, sinceTick.restart());
-  });
+  QObject::connect(&probe, &QTimer::timeout,
+                   [&] { run.longestGapMs = std::max(run.longestGapMs, sinceTick.restart()); });
   QTimer::singleShot(limitMs, &loop, &QEventLoop::quit);
   QElapsedTimer wall;
   const double cpuBefore = cpuMs();

@@ -259,7 +259,8 @@ void TestGpsPoll::clockSetOnlyThroughTheClockGiven() {
   const struct {
     bool refuse;
     QString info;
-  } cases[] = {{false, QString::fromUtf8(kHeight)}, {true, refused}, {true, QString::fromUtf8(kHeight)}};
+  } cases[] = {
+      {false, QString::fromUtf8(kHeight)}, {true, refused}, {true, QString::fromUtf8(kHeight)}};
   for (const auto& c : cases) {
     m_clock.set(QDateTime(QDate(2026, 11, 18), QTime(14, 22, 10)));
     m_clock.refuse(c.refuse);

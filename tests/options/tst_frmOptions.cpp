@@ -287,8 +287,9 @@ void tst_frmOptions::typedDevicePath() {
   QCOMPARE(dialog.result(), int(QDialog::Accepted));
   QCOMPARE(state.ComNumber, number);
   QCOMPARE(state.ComPort, QStringLiteral("Com%1").arg(number));
-  QVERIFY2(boxes.last().prompt.endsWith(QStringLiteral(" wird als Com%1 angesprochen.").arg(number)),
-           qPrintable(boxes.last().prompt));
+  QVERIFY2(
+      boxes.last().prompt.endsWith(QStringLiteral(" wird als Com%1 angesprochen.").arg(number)),
+      qPrintable(boxes.last().prompt));
   // The port opens the typed device from now on, also after a restart.
   QCOMPARE(QFileInfo(marvento::PortDevice(number)).canonicalFilePath(), pty.path());
   if (typed == link) QCOMPARE(marvento::PortDevice(number), link);
