@@ -1,17 +1,20 @@
-// GPS reception: decoding speed, processor time while an exchange waits on a silent port,
-// and the delay from the completing "$G" to the new text in tbMyLg.
+// GPS reception: decoding speed; the longest stall of the event loop and the processor time
+// while an exchange waits on a silent port, for the blocking wait of before and the
+// event-driven exchange of now; the delay from the completing "$G" to the new text in tbMyLg.
 
 #include "../tests/support/Pty.h"
 #include "app/Module1.h"
-#include "gps/GpsOpenPort.h"
 #include "gps/GpsPoll.h"
 #include "gps/SentenceDecoding.h"
+#include "gps/SerialExchange.h"
 #include "platform/Clock.h"
 #include "platform/CommControl.h"
 
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
 #include <QApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTemporaryDir>
@@ -68,28 +71,109 @@ void BM_ScanBurst(benchmark::State& state) {
 }
 BENCHMARK(BM_ScanBurst);
 
-// One exchange at 4800 baud on a port where nothing arrives: the full wait of 4.99 s.
-void BM_SilentWaitCpu(benchmark::State& state) {
+// The wait as it was before the exchange became event-driven: the loop sleeps on the port
+// until the deadline, and no event is handled meanwhile.
+void blockingSilentWait(CommControl& comm) {
+  comm.setCommPort(1);
+  comm.setSettings(QStringLiteral("4800,N,8,1"));
+  comm.setPortOpen(true);
+  QElapsedTimer clock;
+  clock.start();
+  const double wait = ExchangeWaitMs(4800);
+  while (clock.elapsed() < wait) {
+    comm.waitForInput(std::max(1, static_cast<int>(wait - static_cast<double>(clock.elapsed()))));
+    if (comm.inBufferCount() > kChunkThreshold) comm.input();
+  }
+  comm.setPortOpen(false);
+}
+
+// One exchange at 4800 baud on a port where nothing arrives (the full wait of 4.99 s), with
+// a 10-ms timer in the event loop whose longest gap is the stall the window would see.
+// First argument 0: the blocking wait of before; 1: the event-driven exchange. Second
+// argument 1: with the probe; 0: without it, for the processor time of the wait alone (the
+// probe's 500 ticks cost more than the exchange).
+void BM_SilentExchangeStall(benchmark::State& state) {
   ensureApplication();
   test::Pty pty;
   test::SetPortDevice(1, pty.path());
   CommControl comm;
-  Module1 module;
+  const bool eventDriven = state.range(0) == 1;
   for (auto _ : state) {
-    QString raw;
+    QEventLoop loop;
+    QTimer probe;
+    probe.setTimerType(Qt::PreciseTimer);
+    QElapsedTimer sinceTick;
+    qint64 longest = 0;
+    QObject::connect(&probe, &QTimer::timeout,
+                     [&] { longest = std::max(longest, sinceTick.restart()); });
+    SerialExchange exchange(comm);
+    bool timedOut = false;
     const double cpu0 = cpuSeconds();
     const auto t0 = std::chrono::steady_clock::now();
-    const QString result = GpsOpenPort(comm, module, nullptr, 1, "4800,N,8,1", raw);
-    const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - t0;
+    std::chrono::steady_clock::time_point t1;
+    auto done = [&] {
+      t1 = std::chrono::steady_clock::now();
+      // A few more ticks, so that a stall at the very end is seen too.
+      QTimer::singleShot(100, &loop, &QEventLoop::quit);
+    };
+    QTimer::singleShot(0, [&] {
+      if (eventDriven) {
+        exchange.start({1, QStringLiteral("4800,N,8,1"), 0}, [&](const ExchangeResult& r) {
+          timedOut = r.kind == ExchangeResult::Kind::NoReception;
+          done();
+        });
+      } else {
+        blockingSilentWait(comm);
+        timedOut = true;
+        done();
+      }
+    });
+    sinceTick.start();
+    if (state.range(1) == 1) probe.start(10);
+    loop.exec();
     const double cpu = cpuSeconds() - cpu0;
+    const std::chrono::duration<double> wall = t1 - t0;
     state.counters["wait_s"] = wall.count();
-    state.counters["cpu_ms"] = cpu * 1000.0;
+    if (state.range(1) == 1) state.counters["longest_stall_ms"] = static_cast<double>(longest);
     state.counters["cpu_percent"] = 100.0 * cpu / wall.count();
-    if (result != QStringLiteral("!Zur Zeit kein GPS-Empfang")) state.SkipWithError("no timeout");
+    if (!timedOut) state.SkipWithError("no timeout");
   }
   test::ClearPortDevices();
 }
-BENCHMARK(BM_SilentWaitCpu)->Iterations(1)->Unit(benchmark::kSecond);
+BENCHMARK(BM_SilentExchangeStall)
+    ->Args({0, 1})
+    ->Args({1, 1})
+    ->Args({1, 0})
+    ->Iterations(1)
+    ->Unit(benchmark::kSecond);
+
+// A receiver that goes away 300 ms into an exchange at 4800 baud: time until the exchange
+// reports, and processor time meanwhile.
+void BM_HangUpEndsExchange(benchmark::State& state) {
+  ensureApplication();
+  CommControl comm;
+  for (auto _ : state) {
+    test::Pty pty;
+    test::SetPortDevice(1, pty.path());
+    SerialExchange exchange(comm);
+    QEventLoop loop;
+    bool disconnected = false;
+    QTimer::singleShot(300, [&] { pty.close(); });
+    const double cpu0 = cpuSeconds();
+    const auto t0 = std::chrono::steady_clock::now();
+    exchange.start({1, QStringLiteral("4800,N,8,1"), 0}, [&](const ExchangeResult& r) {
+      disconnected = r.kind == ExchangeResult::Kind::Disconnected;
+      loop.quit();
+    });
+    loop.exec();
+    const std::chrono::duration<double, std::milli> wall = std::chrono::steady_clock::now() - t0;
+    state.counters["after_unplug_ms"] = wall.count() - 300.0;
+    state.counters["cpu_percent"] = 100.0 * (cpuSeconds() - cpu0) * 1000.0 / wall.count();
+    if (!disconnected) state.SkipWithError("not told as disconnected");
+  }
+  test::ClearPortDevices();
+}
+BENCHMARK(BM_HangUpEndsExchange)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 // Whole polls at 4800 baud: a GGA stands in the port without its successor; then a piece
 // that begins with "$G" arrives, and the time until tbMyLg shows the fix is taken.
@@ -123,7 +207,9 @@ void BM_LatencyToTbMyLg(benchmark::State& state) {
         sent = std::chrono::steady_clock::now();
         pty.write(kGsa + kGsv + kGsv + kGsv);
       });
-      poll.poll(1, "4800,N,8,1");
+      QEventLoop loop;
+      poll.poll(1, "4800,N,8,1", [&] { loop.quit(); });
+      if (poll.isPolling()) loop.exec();
       feeder.join();
       if (tbMyLg.text().isEmpty()) {
         state.SkipWithError("no fix written");

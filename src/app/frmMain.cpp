@@ -435,10 +435,11 @@ void frmMain::Form_Activate() {
     }
     return;
   }
-  LockEntry();
-  pollOnce();
-  QCoreApplication::processEvents();
-  if (m_state.GpsStatus == kGpsAn && m_state.ProtokollOn) WriteGpsLog();
+  // A poll that is running already brings the fresh data this activation asks for.
+  if (isPolling()) return;
+  startPoll([this] {
+    if (m_state.GpsStatus == kGpsAn && m_state.ProtokollOn) WriteGpsLog();
+  });
 }
 
 void frmMain::showEvent(QShowEvent* event) {
@@ -488,9 +489,10 @@ void frmMain::mnuGPS_Höhe_Click() {
 }
 
 void frmMain::mnuGrundeinstellungen_Click() {
+  // The dialog may change the port under a running exchange: that exchange ends first.
+  m_sub->poll->cancel();
   const bool ticking = m_state.GpsStatus == kGpsAn && Timer1->isActive();
   if (ticking) Timer1->stop();
-  QCoreApplication::processEvents();
   {
     const OptionsTargets targets{Timer1, MSComm1, lbInfo, this, tbMyLg, tbMyBr, tbFremdLg, tbFremdBr};
     frmOptions options(m_state, targets, this);
@@ -499,7 +501,6 @@ void frmMain::mnuGrundeinstellungen_Click() {
   // Abbrechen leaves reception as it was, ticking included; OK has set the timer itself.
   if (ticking && m_state.GpsStatus == kGpsAn) SetTimerEnabled(Timer1, true);
   activateAfterDialog();
-  QCoreApplication::processEvents();
   Panel1->setText(statusText());
   if (m_state.GpsStatus == kGpsAn) startPoll();
   if (isVisible()) tbFremdLoc->setFocus();
@@ -559,18 +560,17 @@ void frmMain::UnlockEntry() {
   marvento::UnlockEntry(m_sub->entry);
 }
 
-void frmMain::startPoll() {
+void frmMain::startPoll(std::function<void()> then) {
+  if (isPolling()) return;
   LockEntry();
-  pollOnce();
-}
-
-void frmMain::pollOnce() {
-  m_sub->poll->poll(m_state.ComNumber, m_state.ComSettings);
-  // A closing asked for inside the poll waited for its end.
-  if (m_closeAfterPoll && !m_sub->poll->isPolling()) {
-    m_closeAfterPoll = false;
-    QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
-  }
+  m_sub->poll->poll(m_state.ComNumber, m_state.ComSettings, [this, then = std::move(then)] {
+    if (then) then();
+    // A log line the disk refused is tried again after each poll, and its warning stays in
+    // sight (a poll clears lbInfo) until a line is written; a failed try has the label.
+    if (m_sub->log->warning().isEmpty()) return;
+    if (m_state.GpsStatus == kGpsAn && m_state.ProtokollOn) WriteGpsLog();
+    if (m_sub->poll->GpsTries() == 0) m_sub->log->showWarning();
+  });
 }
 
 bool frmMain::isPolling() const {
@@ -604,7 +604,7 @@ void frmMain::tbToolBar_ButtonClick(const QString& key) {
 
 void frmMain::Timer1_Timer() {
   if (m_state.GpsStatus != kGpsAn) return;
-  // A tick inside a running poll (in one of its DoEvents) starts no second one.
+  // A tick while an exchange is waiting starts no second one.
   if (isPolling() || !tbMyLoc->isEnabled()) return;
   startPoll();
 }
@@ -645,13 +645,9 @@ void frmMain::Form_Unload() {
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
-  // Closing inside a poll would leave the poll working on a closed window: the question
-  // comes when the poll has ended.
-  if (isPolling()) {
-    m_closeAfterPoll = true;
-    event->ignore();
-    return;
-  }
+  // The exchange ends at once with the port closed, so that the question does not stand
+  // over a poll that goes on working.
+  m_sub->poll->cancel();
   if (!Form_QueryUnload()) {
     event->ignore();
     return;

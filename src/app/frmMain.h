@@ -103,7 +103,8 @@ class frmMain : public QMainWindow {
   int radiusListIndex() const;
   // Panel 3 enabled means insert mode; the Insert key toggles it.
   bool insertMode() const;
-  // Whether a GPS poll is running (also while it handles events).
+  // Whether a GPS poll is running: from its start until its exchange has reported and the
+  // entry is unlocked.
   bool isPolling() const;
   QString statusText() const;
 
@@ -134,8 +135,7 @@ class frmMain : public QMainWindow {
   void HeightReport();
   void LockEntry();
   void UnlockEntry();
-  void startPoll();
-  void pollOnce();
+  void startPoll(std::function<void()> then = {});
   void activateAfterDialog();
 
   Module1& m_state;
@@ -143,7 +143,6 @@ class frmMain : public QMainWindow {
   bool m_loaded = false;
   bool m_insertMode = true;
   bool m_activatePending = false;
-  bool m_closeAfterPoll = false;
   struct Subsystems;
   std::unique_ptr<Subsystems> m_sub;
 };

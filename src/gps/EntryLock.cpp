@@ -14,7 +14,6 @@ void LockEntry(const EntryControls& controls) {
   for (QAction* a : controls.actions) {
     if (a) a->setEnabled(false);
   }
-  QCoreApplication::processEvents();
 }
 
 void UnlockEntry(const EntryControls& controls) {
@@ -24,7 +23,6 @@ void UnlockEntry(const EntryControls& controls) {
   for (QAction* a : controls.actions) {
     if (a) a->setEnabled(true);
   }
-  QCoreApplication::processEvents();
 }
 
 void ShowHourglass() {

@@ -15,9 +15,9 @@ struct EntryControls {
   QList<QAction*> actions;
 };
 
-// Hourglass on, the controls off, pending events handled.
+// Hourglass on, the controls off.
 void LockEntry(const EntryControls& controls);
-// The controls on again, pending events handled. The pointer stays as it is.
+// The controls on again. The pointer stays as it is.
 void UnlockEntry(const EntryControls& controls);
 
 // The screen's pointer: the hourglass over the whole application, or back to normal

@@ -6,7 +6,6 @@
 #include "app/Module1.h"
 #include "platform/Clock.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
@@ -17,6 +16,7 @@
 #include <cstring>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace marvento {
@@ -29,6 +29,7 @@ QString reasonFor(int error) {
     case EPERM: return QStringLiteral("keine Schreibberechtigung");
     case EROFS: return QStringLiteral("Dateisystem ist schreibgeschützt");
     case ENOSPC: return QStringLiteral("Datenträger ist voll");
+    case EFBIG: return QStringLiteral("Datei hat die erlaubte Größe erreicht");
     case EDQUOT: return QStringLiteral("Speicherkontingent ist erschöpft");
     case EISDIR: return QStringLiteral("ist ein Verzeichnis");
     case ENOENT: return QStringLiteral("Verzeichnis nicht gefunden");
@@ -54,14 +55,20 @@ std::optional<QString> AppendToFile(const QString& path, const QString& text) {
   const QByteArray name = QFile::encodeName(path);
   const int fd = ::open(name.constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
   if (fd < 0) return failure(errno, path);
+  // A line cut off by a full disk is taken back, so that the next one does not stick to it.
+  struct stat before {};
+  const bool regular = ::fstat(fd, &before) == 0 && S_ISREG(before.st_mode);
   const QByteArray bytes = text.toUtf8();
   qsizetype done = 0;
   while (done < bytes.size()) {
     const ssize_t n =
         ::write(fd, bytes.constData() + done, static_cast<size_t>(bytes.size() - done));
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      const int error = errno;
+    if (n <= 0) {
+      if (n < 0 && errno == EINTR) continue;
+      const int error = n < 0 ? errno : ENOSPC;
+      if (regular && done > 0) {
+        [[maybe_unused]] const int cut = ::ftruncate(fd, before.st_size);
+      }
       ::close(fd);
       return failure(error, path);
     }
@@ -84,16 +91,23 @@ void GpsLog::WriteGpsLog() {
   if (on && m_view.Timer1) m_view.Timer1->stop();
   const auto error =
       AppendToFile(kFileName, PrintZones({dateItem, timeItem, locItem}) + QStringLiteral("\r\n"));
-  QCoreApplication::processEvents();
   if (on && m_view.Timer1) SetTimerEnabled(m_view.Timer1, true);
 
   if (error) {
-    if (m_view.lbInfo)
-      m_view.lbInfo->setText(QStringLiteral("Protokoll nicht schreibbar: ") + *error);
+    m_warning = QStringLiteral("Protokoll nicht schreibbar: ") + *error;
+    showWarning();
     return;
   }
+  if (!m_warning.isEmpty() && m_view.lbInfo && m_view.lbInfo->text() == m_warning) {
+    m_view.lbInfo->clear();
+  }
+  m_warning.clear();
   m_lastLogTime = timeItem;
   m_lastLogLoc = locItem;
+}
+
+void GpsLog::showWarning() {
+  if (!m_warning.isEmpty() && m_view.lbInfo) m_view.lbInfo->setText(m_warning);
 }
 
 }  // namespace marvento

@@ -18,7 +18,9 @@ struct Module1;
 // The date in the machine's short form, with four-digit years ("18.11.2026" in German).
 QString LogDateText(QDate date);
 
-// Appends text to a file, creating it if missing. Nothing on success, else a German reason.
+// Appends text to a file, creating it if missing: all of it, or nothing (a regular file is
+// cut back to its old length when the disk fills up). Nothing on success, else a German
+// reason with the full path.
 std::optional<QString> AppendToFile(const QString& path, const QString& text);
 
 // The controls the log reads (panel2 is the second status panel) and writes.
@@ -44,6 +46,11 @@ class GpsLog {
   // the next call.
   void WriteGpsLog();
 
+  // The failure of the last write, until a line is written again; empty when all is well.
+  const QString& warning() const { return m_warning; }
+  // Puts the pending warning back into lbInfo (a poll clears the label).
+  void showWarning();
+
   const QString& LastLogTime() const { return m_lastLogTime; }
   const QString& LastLogLoc() const { return m_lastLogLoc; }
 
@@ -53,6 +60,7 @@ class GpsLog {
   Clock& m_clock;
   QString m_lastLogTime;
   QString m_lastLogLoc;
+  QString m_warning;
 };
 
 }  // namespace marvento

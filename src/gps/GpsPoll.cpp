@@ -2,13 +2,12 @@
 
 #include "app/Module1.h"
 #include "gps/EntryLock.h"
-#include "gps/GpsOpenPort.h"
 #include "gps/GpsTime.h"
 #include "gps/SentenceDecoding.h"
+#include "gps/SerialExchange.h"
 #include "platform/CommControl.h"
 #include "platform/MsgBox.h"
 
-#include <QCoreApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTimer>
@@ -28,30 +27,62 @@ bool onlyBlanks(const QString& text) {
 }  // namespace
 
 GpsPoll::GpsPoll(Module1& state, const GpsPollView& view, GpsPollHooks hooks, Clock& clock)
-    : m_state(state), m_view(view), m_hooks(std::move(hooks)), m_clock(clock) {}
+    : m_state(state), m_view(view), m_hooks(std::move(hooks)), m_clock(clock) {
+  if (m_view.MSComm1) m_exchange = std::make_unique<SerialExchange>(*m_view.MSComm1);
+}
 
-void GpsPoll::poll(std::int16_t port, const QString& settings) {
-  ++m_depth;
-  QString rawBuffer;
-  QString result = m_view.MSComm1 ? GpsOpenPort(*m_view.MSComm1, m_state, m_view.lbInfo, port,
-                                                settings, rawBuffer)
-                                  : QStringLiteral("!Keine Schnittstelle");
-  QCoreApplication::processEvents();
+GpsPoll::~GpsPoll() {
+  if (m_exchange) m_exchange->cancel();
+}
 
+void GpsPoll::setExchange(std::unique_ptr<GpsExchange> exchange) {
+  if (m_exchange) m_exchange->cancel();
+  m_exchange = std::move(exchange);
+}
+
+void GpsPoll::poll(std::int16_t port, const QString& settings, std::function<void()> then) {
+  if (m_polling) return;
+  m_polling = true;
+  m_then = std::move(then);
+  if (m_view.lbInfo) m_view.lbInfo->clear();
+  if (!m_exchange) {
+    finished(ExchangeResult::failed(ExchangeResult::Kind::PortError,
+                                    QStringLiteral("Keine Schnittstelle")));
+    return;
+  }
+  m_exchange->start({port, settings, m_state.BusyPort},
+                    [this](const ExchangeResult& result) { finished(result); });
+}
+
+void GpsPoll::cancel() {
+  if (!m_polling) return;
+  if (m_exchange) m_exchange->cancel();
+  m_then = nullptr;
+  end();
+}
+
+void GpsPoll::finished(const ExchangeResult& result) {
   QString kursText;
-  if (result.startsWith(u'!')) {
-    failure(result.mid(1));
-  } else if (!result.isEmpty()) {
-    data(result, rawBuffer, kursText);
+  if (result.hasSentence()) {
+    data(result.sentence, result.rawBuffer, kursText);
+  } else {
+    failure(result.reason);
   }
 
   if (m_view.lbKurs) {
     const QString panelTime = m_view.panel2 ? m_view.panel2->text() : QString();
     if (const auto line = CourseLine(kursText, panelTime)) m_view.lbKurs->setText(*line);
   }
+  std::function<void()> then = std::move(m_then);
+  m_then = nullptr;
+  end();
+  if (then) then();
+}
+
+void GpsPoll::end() {
   if (m_hooks.UnlockEntry) m_hooks.UnlockEntry();
   ResetMousePointer();
-  --m_depth;
+  m_polling = false;
 }
 
 void GpsPoll::failure(QString reason) {
@@ -94,8 +125,13 @@ void GpsPoll::data(const QString& sentence, const QString& rawBuffer, QString& k
   }
 
   if (d.hasTime()) {
-    const QString shown = ApplyGpsTime(d.utcText, m_state.GpsZeit, m_clock);
-    if (m_view.panel2) m_view.panel2->setText(shown);
+    const GpsTimeStep step = ApplyGpsTime(d.utcText, m_state.GpsZeit, m_clock);
+    if (m_view.panel2) m_view.panel2->setText(step.shown);
+    // A desktop user may not set the clock; say so once instead of failing silently.
+    if (step.clockError != 0 && !m_clockRefusalTold) {
+      m_clockRefusalTold = true;
+      if (m_view.lbInfo) m_view.lbInfo->setText(ClockRefusedText(step.clockError));
+    }
   }
 
   if (!d.positionGood) {

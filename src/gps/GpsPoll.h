@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 
 class QLabel;
 class QLineEdit;
@@ -13,6 +14,8 @@ namespace marvento {
 
 class Clock;
 class CommControl;
+class GpsExchange;
+struct ExchangeResult;
 struct Module1;
 
 // The controls of frmMain that a poll reads or writes. panel1 and panel2 are the first two
@@ -43,32 +46,47 @@ struct GpsPollHooks {
 
 // One GPS poll after another: fetches a sentence, counts failed tries and switches reception
 // off after too many (3, or 6 once data has come), writes a good fix into the own position
-// fields and calls Compute, shows time, height, course.
+// fields and calls Compute, shows time, height, course. The sentence comes from an exchange
+// driven by the event loop; the poll goes on when the exchange reports.
 class GpsPoll {
  public:
+  // The exchange runs on view.MSComm1 unless another is given with setExchange().
   GpsPoll(Module1& state, const GpsPollView& view, GpsPollHooks hooks, Clock& clock);
+  ~GpsPoll();
 
-  // One poll on the given port with serial settings such as "4800,N,8,1". The caller has
-  // called LockEntry; this ends with UnlockEntry and the normal pointer.
-  void poll(std::int16_t port, const QString& settings);
+  // Starts a poll on the given port with serial settings such as "4800,N,8,1" and returns;
+  // the caller has called LockEntry. The poll ends with UnlockEntry, the normal pointer and
+  // then `then`. Nothing happens while a poll is running already.
+  void poll(std::int16_t port, const QString& settings, std::function<void()> then = {});
 
-  // True from the start of poll() to its return. A timer tick or a close request that
-  // arrives while events are handled inside a poll checks this.
-  bool isPolling() const { return m_depth > 0; }
+  // Ends a running poll at once: the exchange is dropped with the port closed, nothing is
+  // counted or shown, the entry is unlocked. `then` is not called.
+  void cancel();
+
+  // From the start of poll() until it has ended.
+  bool isPolling() const { return m_polling; }
 
   // Failed polls since data last arrived; not reset when reception is given up.
   std::int16_t GpsTries() const { return m_gpsTries; }
 
+  // Another position source in place of the serial one.
+  void setExchange(std::unique_ptr<GpsExchange> exchange);
+
  private:
+  void finished(const ExchangeResult& result);
   void failure(QString reason);
   void data(const QString& sentence, const QString& rawBuffer, QString& kursText);
+  void end();
 
   Module1& m_state;
   GpsPollView m_view;
   GpsPollHooks m_hooks;
   Clock& m_clock;
+  std::unique_ptr<GpsExchange> m_exchange;
+  std::function<void()> m_then;
   std::int16_t m_gpsTries = 0;
-  int m_depth = 0;
+  bool m_polling = false;
+  bool m_clockRefusalTold = false;  // once per run is enough
 };
 
 }  // namespace marvento

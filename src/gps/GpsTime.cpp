@@ -4,9 +4,9 @@
 #include "platform/Format.h"
 #include "platform/Numbers.h"
 
-#include <QCoreApplication>
-
+#include <cerrno>
 #include <cmath>
+#include <cstring>
 
 namespace marvento {
 
@@ -47,15 +47,23 @@ std::optional<QTime> CorrectedTime(const UtcTimeParts& utc, QTime pcTime) {
   return QTime(0, 0).addSecs(total);
 }
 
-QString ApplyGpsTime(const QString& utcText, bool gpsZeit, Clock& clock) {
+GpsTimeStep ApplyGpsTime(const QString& utcText, bool gpsZeit, Clock& clock) {
   const UtcTimeParts utc = SplitUtc(utcText);
+  GpsTimeStep step{utc.shown};
   if (gpsZeit) {
     if (const auto target = CorrectedTime(utc, clock.time())) {
-      clock.setTimeOfDay(*target);
-      QCoreApplication::processEvents();
+      step.clockError = clock.setTimeOfDay(*target);
     }
   }
-  return utc.shown;
+  return step;
+}
+
+QString ClockRefusedText(int error) {
+  const QString why = error == EPERM || error == EACCES
+                          ? QStringLiteral("keine Berechtigung zum Stellen der Systemuhr")
+                          : QString::fromLocal8Bit(std::strerror(error));
+  return QStringLiteral("Uhr nicht nach GPS gestellt: ") + why +
+         QStringLiteral(" (Hilfe: Uhrzeit mit gpsd und chrony)");
 }
 
 }  // namespace marvento

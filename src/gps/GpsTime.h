@@ -27,8 +27,15 @@ UtcTimeParts SplitUtc(const QString& utcText);
 // outside [0, 60). A second value of 60 carries into the next minute.
 std::optional<QTime> CorrectedTime(const UtcTimeParts& utc, QTime pcTime);
 
-// The time step of a poll for a numeric UTC field: corrects the clock if gpsZeit is set
-// (silently giving up when the system refuses) and returns the text for the second panel.
-QString ApplyGpsTime(const QString& utcText, bool gpsZeit, Clock& clock);
+struct GpsTimeStep {
+  QString shown;       // the text for the second panel
+  int clockError = 0;  // the system's error number when it refused to set the clock
+};
+
+// The time step of a poll for a numeric UTC field: corrects the clock if gpsZeit is set.
+GpsTimeStep ApplyGpsTime(const QString& utcText, bool gpsZeit, Clock& clock);
+
+// What lbInfo says when the system refused to set the clock.
+QString ClockRefusedText(int error);
 
 }  // namespace marvento

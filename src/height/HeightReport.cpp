@@ -6,8 +6,15 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
+
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace marvento {
 
@@ -20,22 +27,32 @@ QString line(const QString& text) {
   return text + kLineEnd + kLineEnd;
 }
 
-QString failureReason(const QSaveFile& file) {
-  QString what;
-  switch (file.error()) {
-    case QFileDevice::OpenError:
-      what = QStringLiteral("Die Datei ließ sich nicht anlegen oder öffnen.");
-      break;
-    case QFileDevice::WriteError:
-      what = QStringLiteral("Beim Schreiben ist ein Fehler aufgetreten.");
-      break;
-    case QFileDevice::RenameError:
-      what = QStringLiteral("Die alte Datei ließ sich nicht ersetzen.");
-      break;
-    default: what = QStringLiteral("Das Schreiben ist fehlgeschlagen."); break;
+QString reasonFor(int error) {
+  switch (error) {
+    case ENOSPC: return QStringLiteral("Der Datenträger ist voll.");
+    case EDQUOT: return QStringLiteral("Das Speicherkontingent ist erschöpft.");
+    case EFBIG: return QStringLiteral("Die Datei überschreitet die erlaubte Größe.");
+    case EACCES:
+    case EPERM: return QStringLiteral("Keine Schreibberechtigung im Ordner.");
+    case EROFS: return QStringLiteral("Das Dateisystem ist schreibgeschützt.");
+    case ENOENT:
+    case ENOTDIR: return QStringLiteral("Der Ordner ist nicht vorhanden.");
+    case EIO: return QStringLiteral("Ein-/Ausgabefehler beim Schreiben.");
+    default: return QString::fromLocal8Bit(std::strerror(error));
   }
-  const QString detail = file.errorString();
-  return detail.isEmpty() ? what : what + QStringLiteral(" (") + detail + u')';
+}
+
+// Writes all of bytes to fd; 0 or the error number.
+int writeAll(int fd, const QByteArray& bytes) {
+  qsizetype done = 0;
+  while (done < bytes.size()) {
+    const ssize_t n =
+        ::write(fd, bytes.constData() + done, static_cast<size_t>(bytes.size() - done));
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return n < 0 ? errno : ENOSPC;
+    done += n;
+  }
+  return 0;
 }
 
 }  // namespace
@@ -70,18 +87,29 @@ QString HeightReportFolder() {
 
 HeightReportResult WriteHeightReport(const QString& folder, const QString& text) {
   HeightReportResult result;
-  result.path = QDir::toNativeSeparators(QDir(folder).filePath(kHeightReportName));
-  QSaveFile file(QDir(folder).filePath(kHeightReportName));
-  // A folder that is not writable may still hold a writable old report.
-  file.setDirectWriteFallback(true);
-  if (!file.open(QIODevice::WriteOnly)) {
-    result.reason = failureReason(file);
+  const QString target = QDir(folder).filePath(kHeightReportName);
+  result.path = QDir::toNativeSeparators(target);
+
+  // The new report goes into a file of its own beside the old one and takes its place only
+  // when it is whole: a full disk leaves the old report as it was.
+  QByteArray temp = QFile::encodeName(target) + ".XXXXXX";
+  const int fd = ::mkostemp(temp.data(), O_CLOEXEC);
+  if (fd < 0) {
+    result.reason = reasonFor(errno);
     return result;
   }
-  const QByteArray bytes = text.toUtf8();
-  if (file.write(bytes) != bytes.size() || !file.commit()) {
-    result.reason = failureReason(file);
-    file.cancelWriting();
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  int error = ::fchmod(fd, 0666 & ~mask) == 0 ? 0 : errno;
+  if (error == 0) error = writeAll(fd, text.toUtf8());
+  if (error == 0 && ::fsync(fd) != 0) error = errno;
+  if (::close(fd) != 0 && error == 0) error = errno;
+  if (error == 0 && ::rename(temp.constData(), QFile::encodeName(target).constData()) != 0) {
+    error = errno;
+  }
+  if (error != 0) {
+    ::unlink(temp.constData());
+    result.reason = reasonFor(error);
     return result;
   }
   result.written = true;

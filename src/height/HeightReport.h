@@ -27,7 +27,8 @@ struct HeightReportResult {
   QString reason;  // German account of the failure; empty when written
 };
 
-// Replaces folder/HoeheAusw.txt as a whole with the text in UTF-8.
+// Replaces folder/HoeheAusw.txt as a whole with the text in UTF-8, or leaves the old file
+// untouched when the new one cannot be written in full.
 HeightReportResult WriteHeightReport(const QString& folder, const QString& text);
 
 // Ctrl+A: writes the report and tells the user where it went, or why it could not be written.

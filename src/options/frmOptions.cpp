@@ -6,6 +6,7 @@
 #include "options/PortList.h"
 #include "platform/CommControl.h"
 #include "platform/Format.h"
+#include "platform/MsgBox.h"
 #include "platform/Numbers.h"
 #include "platform/Settings.h"
 
@@ -252,6 +253,7 @@ void frmOptions::Form_Load() {
   m_Check1->setChecked(m_state.GpsZeit);
   (m_state.Loc10st ? m_Option2_1 : m_Option2_0)->setChecked(true);
 
+  m_comNumberBefore = m_state.ComNumber;
   if (m_targets.MSComm1 != nullptr) FillPortList(*m_Combo1, *m_targets.MSComm1, m_state);
 }
 
@@ -270,12 +272,31 @@ void frmOptions::showEvent(QShowEvent* event) {
 }
 
 void frmOptions::Command1_Click() {
-  const QString port = m_Combo1->currentText();
-  // A name too short to carry a number, or a number beyond 16 bits, leaves the port as it was.
-  if (const std::optional<std::int16_t> number = ComNumberOf(port)) {
+  const QString port = m_Combo1->currentText().trimmed();
+  auto refuse = [this](const QString& reason) {
+    MsgBox(reason, vbExclamation, QStringLiteral(" Grundeinstellungen"));
+    m_Combo1->setFocus();
+  };
+  if (port.startsWith(u'/')) {
+    QString reason;
+    const std::optional<std::int16_t> number = PortForDevice(port, reason);
+    if (!number) return refuse(reason);
+    m_state.ComPort = QStringLiteral("Com%1").arg(*number);
+    m_state.ComNumber = *number;
+    MsgBox(QStringLiteral("Der GPS-Empfänger an %1 wird als %2 angesprochen.")
+               .arg(port, m_state.ComPort),
+           vbInformation, QStringLiteral(" Grundeinstellungen"));
+  } else if (const std::optional<std::int16_t> number = ComNumberOf(port)) {
+    // Any other number would bring up the busy-port question at every poll.
+    if (*number < 1 || *number > 29) {
+      return refuse(QStringLiteral("Die Schnittstelle „%1“ gibt es nicht. Bitte Com1 bis Com29 "
+                                   "oder einen Gerätepfad wie /dev/ttyUSB0 angeben.")
+                        .arg(port));
+    }
     m_state.ComPort = port;
     m_state.ComNumber = *number;
   }
+  // A name too short to carry a number, or a number beyond 16 bits, leaves the port as it was.
   m_state.ComSettings = m_Combo2->currentText() + QStringLiteral(",N,8,1");
 
   m_state.GpsIntervalSeconds = IntervalSecondsOf(m_Combo3->currentText());
@@ -318,6 +339,11 @@ void frmOptions::Command1_Click() {
 
 void frmOptions::Command2_Click() {
   reject();
+}
+
+void frmOptions::reject() {
+  m_state.ComNumber = m_comNumberBefore;
+  QDialog::reject();
 }
 
 }  // namespace marvento

@@ -39,13 +39,17 @@ struct OptionsTargets {
 // The settings dialog "Grundeinstellungen Marvento". Building it loads the controls from
 // the state record and scans the serial ports (which may correct ComNumber and set
 // BusyPort); the first show puts the stored port name and rate into the two boxes. OK
-// writes the state record, the targets and the key "MyHomeLoc"; Abbrechen, Esc and the
-// close box change nothing.
+// writes the state record, the targets and the key "MyHomeLoc"; a device path typed as the
+// port becomes that port's device or is refused with a message. Abbrechen, Esc and the
+// close box change nothing, the port number the scan may have lowered included.
 class frmOptions : public QDialog {
   Q_OBJECT
 
  public:
   frmOptions(Module1& state, const OptionsTargets& targets, QWidget* parent = nullptr);
+
+ public slots:
+  void reject() override;
 
  protected:
   void showEvent(QShowEvent* event) override;
@@ -60,6 +64,7 @@ class frmOptions : public QDialog {
   Module1& m_state;
   OptionsTargets m_targets;
   bool m_activated = false;
+  std::int16_t m_comNumberBefore = 0;  // what Abbrechen puts back after the scan
 
   QPushButton* m_Command1 = nullptr;
   QPushButton* m_Command2 = nullptr;

@@ -1,5 +1,6 @@
 #include "platform/Clock.h"
 
+#include <cerrno>
 #include <ctime>
 
 namespace marvento {
@@ -10,14 +11,14 @@ class RealClock final : public Clock {
  public:
   QDateTime now() const override { return QDateTime::currentDateTime(); }
 
-  bool setTimeOfDay(QTime time) override {
-    if (!time.isValid()) return false;
+  int setTimeOfDay(QTime time) override {
+    if (!time.isValid()) return EINVAL;
     const QDateTime target(QDate::currentDate(), time);
     const qint64 ms = target.toMSecsSinceEpoch();
     timespec ts{};
     ts.tv_sec = static_cast<time_t>(ms / 1000);
     ts.tv_nsec = static_cast<long>((ms % 1000) * 1000000);
-    return clock_settime(CLOCK_REALTIME, &ts) == 0;
+    return clock_settime(CLOCK_REALTIME, &ts) == 0 ? 0 : errno;
   }
 };
 

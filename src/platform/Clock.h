@@ -13,15 +13,16 @@ class Clock {
 
   // Local date and time (Now).
   virtual QDateTime now() const = 0;
-  // Sets the local time of day and keeps today's date. False when the system refuses.
-  virtual bool setTimeOfDay(QTime time) = 0;
+  // Sets the local time of day and keeps today's date. 0 when done, else the system's error
+  // number (EPERM without the right to set the clock, EINVAL for an invalid time).
+  virtual int setTimeOfDay(QTime time) = 0;
 
   QTime time() const { return now().time(); }
   QDate date() const { return now().date(); }
 };
 
 // The real clock. Setting it needs the right to change the system time (CAP_SYS_TIME);
-// without it the call does nothing and says so by its result only.
+// without it the call does nothing and returns EPERM.
 Clock& SystemClock();
 
 }  // namespace marvento

@@ -4,12 +4,17 @@
 
 #include "platform/Settings.h"
 
+#include <QFileInfo>
 #include <QSerialPort>
+#include <QSettings>
 #include <QStringList>
 
 #include <fcntl.h>
 #include <grp.h>
+#include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -29,6 +34,17 @@ QString defaultDevice(int number) {
   if (number <= 18) return QStringLiteral("/dev/ttyUSB%1").arg(number - 9);
   if (number <= 28) return QStringLiteral("/dev/ttyACM%1").arg(number - 19);
   return QStringLiteral("/dev/rfcomm0");
+}
+
+// True when another program holds the device exclusively (TIOCEXCL, as gpsd does). Root
+// may open such a device all the same, but would then steal the other program's data.
+bool heldExclusively(const QByteArray& nativePath) {
+  const int fd = ::open(nativePath.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  if (fd < 0) return errno == EBUSY;
+  int exclusive = 0;
+  const bool held = ::ioctl(fd, TIOCGEXCL, &exclusive) == 0 && exclusive != 0;
+  ::close(fd);
+  return held;
 }
 
 QString portName(int number) {
@@ -81,6 +97,44 @@ QString PortDevice(int number) {
   return path.isEmpty() ? defaultDevice(number) : path;
 }
 
+std::optional<std::int16_t> PortForDevice(const QString& path, QString& reason) {
+  struct stat info {};
+  if (::stat(QFile::encodeName(path).constData(), &info) != 0) {
+    reason = QStringLiteral(
+                 "Das Gerät %1 ist nicht vorhanden. Bitte Com1 bis Com29 oder den "
+                 "Pfad eines angeschlossenen Empfängers angeben, etwa /dev/ttyUSB0.")
+                 .arg(path);
+    return std::nullopt;
+  }
+  if (!S_ISCHR(info.st_mode)) {
+    reason = QStringLiteral("%1 ist keine serielle Schnittstelle.").arg(path);
+    return std::nullopt;
+  }
+  auto store = [](int number, const QString& device) {
+    QSettings settings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Marvento"),
+                       QStringLiteral("Marvento"));
+    settings.setValue(QStringLiteral("Ports/") + portName(number), device);
+  };
+  for (int number = kFirstPort; number <= kLastPort; ++number) {
+    if (PortDevice(number) == path) return static_cast<std::int16_t>(number);
+  }
+  const QString target = QFileInfo(path).canonicalFilePath();
+  for (int number = kFirstPort; number <= kLastPort; ++number) {
+    if (QFileInfo(PortDevice(number)).canonicalFilePath() == target) {
+      store(number, path);
+      return static_cast<std::int16_t>(number);
+    }
+  }
+  for (int number = kLastPort; number >= kFirstPort; --number) {
+    if (!QFileInfo::exists(PortDevice(number))) {
+      store(number, path);
+      return static_cast<std::int16_t>(number);
+    }
+  }
+  reason = QStringLiteral("Für %1 ist keine Schnittstellennummer mehr frei.").arg(path);
+  return std::nullopt;
+}
+
 std::optional<LineSettings> ParseLineSettings(const QString& settings) {
   const QStringList fields = settings.split(u',');
   if (fields.size() > 4) return std::nullopt;
@@ -120,7 +174,19 @@ std::optional<LineSettings> ParseLineSettings(const QString& settings) {
 }
 
 CommControl::CommControl(QObject* parent)
-    : QObject(parent), m_port(std::make_unique<QSerialPort>()) {}
+    : QObject(parent), m_port(std::make_unique<QSerialPort>()) {
+  connect(m_port.get(), &QSerialPort::readyRead, this, [this] {
+    if (!checkHangUp()) emit readyRead();
+  });
+  // A device that hangs up makes every read fail or return nothing; without closing the
+  // port here its notifier would fire without end.
+  connect(m_port.get(), &QSerialPort::errorOccurred, this,
+          [this](QSerialPort::SerialPortError error) {
+            if (error == QSerialPort::ResourceError || error == QSerialPort::ReadError) {
+              checkHangUp();
+            }
+          });
+}
 
 CommControl::~CommControl() = default;
 
@@ -196,6 +262,12 @@ CommResult CommControl::open() {
                        .arg(path, accessGroup(info)));
   }
 
+  if (heldExclusively(nativePath)) {
+    return failure(comPortOpen, QStringLiteral("Das Gerät %1 (%2) wird schon von einem anderen "
+                                               "Programm verwendet.")
+                                    .arg(path, name));
+  }
+
   m_port->setPortName(path);
   if (!m_port->open(QIODevice::ReadWrite)) {
     const QSerialPort::SerialPortError error = m_port->error();
@@ -255,17 +327,28 @@ bool CommControl::takeIn() {
   // A zero wait polls the descriptor once and reads what is there, without blocking.
   for (int pass = 0; pass < kMaxReadPasses && m_port->waitForReadyRead(0); ++pass) {
   }
-  const QByteArray arrived = m_port->readAll();
-  const bool failed = m_port->error() == QSerialPort::ResourceError;
-  m_port->clearError();
-  // A receiver that was unplugged takes its device node with it; the port then counts as
-  // closed, so that a reader waiting on it does not wake up to the same error forever.
-  struct stat info {};
-  if (failed && ::stat(device().toLocal8Bit().constData(), &info) != 0) {
-    m_port->close();
-  }
+  const QByteArray arrived = m_port->isOpen() ? m_port->readAll() : QByteArray();
   m_buffer += arrived;
+  if (m_port->isOpen() && m_port->error() != QSerialPort::NoError) {
+    m_port->clearError();
+    checkHangUp();
+  }
   return !arrived.isEmpty();
+}
+
+bool CommControl::checkHangUp() {
+  if (!m_port->isOpen()) return false;
+  const int fd = static_cast<int>(m_port->handle());
+  pollfd state{fd, POLLIN, 0};
+  const bool hangUp = ::poll(&state, 1, 0) == 1 && (state.revents & (POLLHUP | POLLERR | POLLNVAL));
+  struct stat info {};
+  const bool gone = ::stat(device().toLocal8Bit().constData(), &info) != 0;
+  if (!hangUp && !gone) return false;
+  m_port->clearError();
+  m_port->close();
+  m_buffer.clear();
+  emit hungUp();
+  return true;
 }
 
 int CommControl::inBufferCount() {

@@ -36,6 +36,13 @@ struct CommResult {
 // settings group "Ports" overrides the path. Empty for a number outside 1 to 29.
 QString PortDevice(int number);
 
+// Makes a device path typed by the user the device of a port number and returns that
+// number: the number whose device it is or resolves to (a udev link such as
+// /dev/serial/by-id/... is stored as that port's path, so it survives a renumbering),
+// else the highest number whose own device is absent. Nothing, with a German reason,
+// for a path that does not exist or is no character device, or when no number is free.
+std::optional<std::int16_t> PortForDevice(const QString& path, QString& reason);
+
 // The number behind the first three characters of a port name, rounded half to even:
 // "Com1" 1, "COM12" 12, "Xyz7" 7, "Com" 0, "Com1x" 1. Nothing for a text shorter than three
 // characters or a number outside 16 bits.
@@ -55,7 +62,7 @@ struct LineSettings {
 std::optional<LineSettings> ParseLineSettings(const QString& settings);
 
 // The one serial port object of the program (MSComm1): a port chosen by number, opened
-// and closed on request, polled for what arrived. It raises no events of its own.
+// and closed on request, read when it says that something arrived.
 class CommControl : public QObject {
   Q_OBJECT
 
@@ -78,9 +85,10 @@ class CommControl : public QObject {
   void setHandshaking(int handshaking) { m_handshaking = handshaking; }
 
   bool portOpen() const;
-  // Opening: 8005 when open already or held by another program, 8002 when the device does
-  // not exist, another number (with a German description naming the device, and the
-  // dialout group when the right to open it is missing) for every other failure.
+  // Opening: 8005 when open already or held by another program (portOpen() tells the two
+  // apart; a device another program opened exclusively counts as held, also for root),
+  // 8002 when the device does not exist, another number (with a German description naming the
+  // device, and the dialout group when the right to open it is missing) for every other failure.
   // Closing drops whatever still waits.
   CommResult setPortOpen(bool open);
 
@@ -94,10 +102,19 @@ class CommControl : public QObject {
   // The device path that the current port number resolves to.
   QString device() const;
 
+ signals:
+  // New characters can be taken in (from the event loop, while the port is open).
+  void readyRead();
+  // The device went away under the open port (unplugged, pty closed): the port is closed
+  // already when this comes.
+  void hungUp();
+
  private:
   CommResult open();
   // Moves what the system holds for the port into m_buffer; true when something came.
   bool takeIn();
+  // Closes the port and says so when the device behind it has hung up.
+  bool checkHangUp();
 
   std::unique_ptr<QSerialPort> m_port;
   QByteArray m_buffer;

@@ -4,20 +4,23 @@
 
 #include <QList>
 
+#include <cerrno>
+
 namespace marvento::test {
 
-// A clock that tests set and read; setting the time of day changes only this object.
+// A clock that tests set and read; setting the time of day changes only this object, or is
+// refused as for a user without the right to set the clock.
 class FakeClock final : public Clock {
  public:
   explicit FakeClock(QDateTime now = QDateTime(QDate(2026, 11, 18), QTime(14, 22, 10)))
       : m_now(std::move(now)) {}
 
   QDateTime now() const override { return m_now; }
-  bool setTimeOfDay(QTime time) override {
+  int setTimeOfDay(QTime time) override {
     m_sets.push_back(time);
-    if (m_refuse) return false;
+    if (m_refuse) return EPERM;
     m_now.setTime(time);
-    return true;
+    return 0;
   }
 
   void set(QDateTime now) { m_now = std::move(now); }

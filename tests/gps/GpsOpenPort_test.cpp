@@ -9,6 +9,17 @@
 
 #include <gtest/gtest.h>
 #include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTimer>
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <ctime>
+#include <optional>
+#include <thread>
 
 namespace marvento {
 namespace {
@@ -151,14 +162,105 @@ TEST_F(GpsOpenPortTest, PortStates) {
     EXPECT_FALSE(m_comm.portOpen());
   }
   {
-    SCOPED_TRACE("held by another program: wrong data");
-    CommControl other;
-    ASSERT_TRUE(other.setCommPort(1).ok());
-    ASSERT_TRUE(other.setPortOpen(true).ok());
-    EXPECT_EQ(exchange(), QStringLiteral("!Falsche Daten empfangen"));
+    // Regression: a port held exclusively by another program was told as wrong data.
+    SCOPED_TRACE("held exclusively by another program (TIOCEXCL)");
+    const int held = ::open(m_pty.path().toLocal8Bit().constData(), O_RDWR | O_NOCTTY);
+    ASSERT_GE(held, 0);
+    ASSERT_EQ(::ioctl(held, TIOCEXCL), 0);
+    const QString result = exchange();
+    ::close(held);
+    EXPECT_TRUE(result.startsWith(QStringLiteral("!Das Gerät ") + m_pty.path()))
+        << result.toStdString();
+    EXPECT_TRUE(result.contains(QStringLiteral("wird schon von einem anderen Programm verwendet")))
+        << result.toStdString();
     EXPECT_LT(m_elapsedMs, 150);
+    EXPECT_FALSE(m_comm.portOpen());
   }
   EXPECT_EQ(boxes.count(), 0);
+}
+
+double cpuMs() {
+  timespec t{};
+  ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+  return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_nsec) / 1e6;
+}
+
+// Runs a SerialExchange until it reports, bounded by limitMs, with a 10-ms probe timer
+// that records the longest gap between its ticks.
+struct ExchangeRun {
+  std::optional<ExchangeResult> result;
+  qint64 wallMs = 0;
+  double cpuMs = 0;
+  qint64 longestGapMs = 0;
+};
+
+ExchangeRun runExchange(CommControl& comm, const QString& settings,
+                        std::function<void()> during = {}, int limitMs = 8000) {
+  ExchangeRun run;
+  SerialExchange exchange(comm);
+  QEventLoop loop;
+  QTimer probe;
+  QElapsedTimer sinceTick;
+  probe.setTimerType(Qt::PreciseTimer);
+  QObject::connect(&probe, &QTimer::timeout,
+                   [&] { run.longestGapMs = std::max(run.longestGapMs, sinceTick.restart()); });
+  QTimer::singleShot(limitMs, &loop, &QEventLoop::quit);
+  QElapsedTimer wall;
+  const double cpuBefore = cpuMs();
+  wall.start();
+  sinceTick.start();
+  probe.start(10);
+  exchange.start({1, settings, 0}, [&](const ExchangeResult& r) {
+    run.result = r;
+    loop.quit();
+  });
+  if (during) during();
+  if (!run.result) loop.exec();
+  run.wallMs = wall.elapsed();
+  run.cpuMs = cpuMs() - cpuBefore;
+  return run;
+}
+
+// Regression: the exchange blocked the event loop for the whole wait (up to 5 s).
+TEST_F(GpsOpenPortTest, SilentExchangeKeepsTheEventLoopRunning) {
+  const ExchangeRun run = runExchange(m_comm, kQuick);  // 1.02 s
+  ASSERT_TRUE(run.result);
+  EXPECT_EQ(run.result->kind, ExchangeResult::Kind::NoReception);
+  EXPECT_GE(run.wallMs, 1000);
+  // Generous for a loaded machine: the old wait froze the loop for the full second.
+  EXPECT_LT(run.longestGapMs, 200);
+  EXPECT_LT(run.cpuMs, 0.25 * static_cast<double>(run.wallMs));
+}
+
+// Regression: a device that hung up made the wait spin a core until the deadline.
+TEST_F(GpsOpenPortTest, HangUpEndsTheWaitAtOnceWithoutSpinning) {
+  PtyFeeder feeder(m_pty, {{kOpenMs, kGsv}});
+  const ExchangeRun run = runExchange(m_comm, QStringLiteral("4800,N,8,1"), [this] {
+    QTimer::singleShot(300, [this] { m_pty.close(); });
+  });
+  ASSERT_TRUE(run.result);
+  EXPECT_EQ(run.result->kind, ExchangeResult::Kind::Disconnected);
+  EXPECT_EQ(run.result->reason,
+            QStringLiteral("Der GPS-Empfänger an %1 wurde getrennt.").arg(m_pty.path()));
+  EXPECT_LT(run.wallMs, 1500);  // the deadline was 4.99 s away
+  EXPECT_LT(run.cpuMs, 0.25 * static_cast<double>(run.wallMs));
+  EXPECT_FALSE(m_comm.portOpen());
+  // The next poll finds the device missing, as for any receiver that is not there.
+  const QString next = exchange(kFast);
+  EXPECT_TRUE(next.contains(QStringLiteral("ist nicht vorhanden"))) << next.toStdString();
+}
+
+// Regression: a sentence that was whole when the deadline came gave "Keine gültigen GPS-Daten".
+TEST_F(GpsOpenPortTest, SentenceWholeAtTheDeadlineIsTaken) {
+  PtyFeeder feeder(m_pty, {{kOpenMs, kGga + kGsa + kGsv + kRmc}});
+  const ExchangeRun run = runExchange(m_comm, kMedium, [] {
+    // The loop is held past the deadline while the whole sentence arrives, so the deadline
+    // and the data are due together.
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+  });
+  ASSERT_TRUE(run.result);
+  EXPECT_EQ(run.result->kind, ExchangeResult::Kind::Sentence);
+  EXPECT_EQ(run.result->sentence, QString::fromLatin1(kGga));
 }
 
 }  // namespace

@@ -14,6 +14,10 @@
 #include <QTimer>
 #include <QtTest>
 
+#include <csignal>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace marvento;
@@ -30,6 +34,8 @@ class TestGpsLog : public QObject {
   void timerAroundTheWrite();
   void unwritableFileIsToldAndRetried();
   void readOnlyDirectory();
+  void fullDiskWarningStaysUntilALineIsWritten();
+  void lineCutByTheSizeLimitIsTakenBack();
 
  private:
   QByteArray fileBytes() const {
@@ -161,6 +167,53 @@ void TestGpsLog::readOnlyDirectory() {
            qPrintable(m_lbInfo.text()));
   QVERIFY(m_timer.isActive());
   QCOMPARE(m_log->LastLogTime(), QString());
+}
+
+// Regression: the warning of a full disk vanished with the next poll, which clears lbInfo.
+void TestGpsLog::fullDiskWarningStaysUntilALineIsWritten() {
+  QVERIFY(QFile::link(QStringLiteral("/dev/full"), GpsLog::kFileName));
+  m_panel2.setText("12:35:19");
+  m_tbMyLoc.setText("JO31AB");
+  m_log->WriteGpsLog();
+  const QString warning = QStringLiteral("Protokoll nicht schreibbar: Datenträger ist voll (") +
+                          m_dir->filePath(GpsLog::kFileName) + u')';
+  QCOMPARE(m_lbInfo.text(), warning);
+  m_lbInfo.clear();  // as the next poll does
+  m_log->showWarning();
+  QCOMPARE(m_lbInfo.text(), warning);
+
+  QVERIFY(QFile::remove(GpsLog::kFileName));
+  m_log->WriteGpsLog();
+  QCOMPARE(m_log->warning(), QString());
+  QCOMPARE(m_lbInfo.text(), QString());
+  m_log->showWarning();
+  QCOMPARE(m_lbInfo.text(), QString());
+  QCOMPARE(fileBytes(), QByteArray("18.11.2026    12:35:19      JO31AB\r\n"));
+}
+
+// Regression: a full disk left half a line, to which the next line was glued.
+void TestGpsLog::lineCutByTheSizeLimitIsTakenBack() {
+  const QByteArray old = "18.11.2026    12:35:19      JO31AB\r\n";
+  {
+    QFile file(GpsLog::kFileName);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(old);
+  }
+  // The child may write only 10 bytes more: the disk is full in the middle of the line.
+  const pid_t child = ::fork();
+  QVERIFY(child >= 0);
+  if (child == 0) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{rlim_t(old.size() + 10), rlim_t(old.size() + 10)};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    const auto error = AppendToFile(GpsLog::kFileName, QStringLiteral("x").repeated(40));
+    ::_exit(error && error->startsWith(QStringLiteral("Datei hat die erlaubte Größe")) ? 0 : 1);
+  }
+  int status = 0;
+  QCOMPARE(::waitpid(child, &status, 0), child);
+  QVERIFY(WIFEXITED(status));
+  QCOMPARE(WEXITSTATUS(status), 0);
+  QCOMPARE(fileBytes(), old);
 }
 
 QTEST_MAIN(TestGpsLog)

@@ -46,9 +46,14 @@ class TestGpsPoll : public QObject {
   void threeFailedTriesFromStart();
   void sixFailedTriesAfterData();
   void clockSetOnlyThroughTheClockGiven();
+  void cancelEndsThePollQuietly();
 
  private:
-  void poll() { m_poll->poll(1, QStringLiteral("4000000,N,8,1")); }
+  // Starts a poll and lets the event loop run until it has ended.
+  void poll() {
+    m_poll->poll(1, QStringLiteral("4000000,N,8,1"));
+    QTRY_VERIFY_WITH_TIMEOUT(!m_poll->isPolling(), 5000);
+  }
   void feed(const QByteArray& bytes) {
     m_feeder =
         std::make_unique<test::PtyFeeder>(*m_pty, std::vector<test::Piece>{{kOpenMs, bytes}});
@@ -245,21 +250,46 @@ void TestGpsPoll::sixFailedTriesAfterData() {
   QCOMPARE(m_tbMyBr.text(), QStringLiteral(" 48° 07' 2,28\""));
 }
 
-// The system may refuse the new time: nothing is said, the panel is written all the same.
+// The system may refuse the new time: lbInfo says so, once per run; the panel is written all
+// the same.
 void TestGpsPoll::clockSetOnlyThroughTheClockGiven() {
-  for (const bool refuse : {false, true}) {
+  const QString refused = QStringLiteral(
+      "Uhr nicht nach GPS gestellt: keine Berechtigung zum Stellen der Systemuhr (Hilfe: "
+      "Uhrzeit mit gpsd und chrony)");
+  const struct {
+    bool refuse;
+    QString info;
+  } cases[] = {
+      {false, QString::fromUtf8(kHeight)}, {true, refused}, {true, QString::fromUtf8(kHeight)}};
+  for (const auto& c : cases) {
     m_clock.set(QDateTime(QDate(2026, 11, 18), QTime(14, 22, 10)));
-    m_clock.refuse(refuse);
+    m_clock.refuse(c.refuse);
     m_state.GpsZeit = true;
     feed(kGga + kGsa + kGsv + kGsv);
     MsgBoxRecorder boxes;
     poll();
     QCOMPARE(m_clock.sets().last(), QTime(14, 35, 19));
-    QCOMPARE(m_clock.time(), refuse ? QTime(14, 22, 10) : QTime(14, 35, 19));
+    QCOMPARE(m_clock.time(), c.refuse ? QTime(14, 22, 10) : QTime(14, 35, 19));
     QCOMPARE(m_panel2.text(), QStringLiteral("12:35:19"));
+    QCOMPARE(m_lbInfo.text(), c.info);
     QCOMPARE(boxes.count(), 0);
     m_feeder.reset();
   }
+}
+
+void TestGpsPoll::cancelEndsThePollQuietly() {
+  bool thenCalled = false;
+  m_poll->poll(1, QStringLiteral("4800,N,8,1"), [&] { thenCalled = true; });
+  QVERIFY(m_poll->isPolling());
+  QVERIFY(m_comm.portOpen());
+  m_poll->cancel();
+  QVERIFY(!m_poll->isPolling());
+  QVERIFY(!m_comm.portOpen());
+  QCOMPARE(m_unlocks, 1);
+  QCOMPARE(m_poll->GpsTries(), std::int16_t(0));
+  QTest::qWait(50);
+  QVERIFY(!thenCalled);
+  QCOMPARE(m_lbInfo.text(), QString());
 }
 
 QTEST_MAIN(TestGpsPoll)

@@ -8,6 +8,12 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <csignal>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 namespace marvento {
 namespace {
 
@@ -97,6 +103,45 @@ TEST_F(HeightReportTest, MissingFolderIsTold) {
   EXPECT_EQ(rec.last().style, vbExclamation);
   EXPECT_EQ(rec.entries()[0].beepsBefore, 1);
   EXPECT_FALSE(QFileInfo::exists(path));
+}
+
+// Regression: on a full disk the old report became an empty file and the box said
+// "erfolgreich erstellt".
+TEST_F(HeightReportTest, FullDiskLeavesTheOldReportAndNamesTheFile) {
+  {
+    MsgBoxRecorder rec;
+    HeightReport(HeightTable(), kLoc, kLg, kBr, m_dir.path(), kNow);
+  }
+  const QByteArray old = readAll(reportPath());
+  ASSERT_EQ(old, QByteArray(kHead));
+  int pipeEnds[2];
+  ASSERT_EQ(::pipe(pipeEnds), 0);
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    // Files may grow to 40 bytes only: the new report, far longer, cannot be written.
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{40, 40};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    MsgBoxRecorder rec;
+    HeightReport(knownTable(), kLoc, kLg, kBr, m_dir.path(), kNow);
+    const QByteArray prompt = rec.count() == 1 ? rec.last().prompt.toUtf8() : QByteArray();
+    [[maybe_unused]] const auto n = ::write(pipeEnds[1], prompt.constData(), prompt.size());
+    ::_exit(0);
+  }
+  ::close(pipeEnds[1]);
+  QByteArray prompt;
+  char buffer[512];
+  for (ssize_t n; (n = ::read(pipeEnds[0], buffer, sizeof buffer)) > 0;) prompt.append(buffer, n);
+  ::close(pipeEnds[0]);
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_EQ(QString::fromUtf8(prompt), QStringLiteral("Die Datei ") + reportPath() +
+                                           QStringLiteral("\nkonnte nicht geschrieben werden:\n"
+                                                          "Die Datei überschreitet die erlaubte "
+                                                          "Größe."));
+  EXPECT_EQ(readAll(reportPath()), old);
+  EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::Files), QStringList{"HoeheAusw.txt"});
 }
 
 TEST_F(HeightReportTest, FolderBesideTheProgramOrHome) {

@@ -1,6 +1,7 @@
 #include "options/frmOptions.h"
 
 #include "platform/CommControl.h"
+#include "platform/MsgBoxRecorder.h"
 #include "platform/Settings.h"
 #include "support/Pty.h"
 
@@ -83,6 +84,9 @@ class tst_frmOptions : public QObject {
   void receptionOnStartsTimer();
   void formatChangeEmptiesCoordinates();
   void cancelChangesNothing();
+  void cancelKeepsThePortPanelOneNames();
+  void typedDevicePath_data();
+  void typedDevicePath();
 
  private:
   QTemporaryDir m_config;
@@ -212,6 +216,83 @@ void tst_frmOptions::cancelChangesNothing() {
     QCOMPARE(marvento::GetSetting(QStringLiteral("MyHomeLoc"), QStringLiteral("missing")),
              QStringLiteral("missing"));
   }
+}
+
+// Regression: the scan lowered ComNumber below a port that is not there (an unplugged USB
+// receiver), and Abbrechen left reception on that lower port under the old name.
+void tst_frmOptions::cancelKeepsThePortPanelOneNames() {
+  marvento::test::Pty pty;
+  QVERIFY(pty.ok());
+  marvento::test::SetPortDevice(3, pty.path());
+  Module1 state = firstRunState();
+  state.ComPort = QStringLiteral("Com9");
+  state.ComNumber = 9;
+  MainParts main;
+  frmOptions dialog(state, main.targets());
+  QCOMPARE(state.ComNumber, 3);  // what the scan offers
+  dialog.show();
+  child<QPushButton>(dialog, "Command2")->click();
+  QCOMPARE(state.ComNumber, 9);
+  QCOMPARE(state.ComPort, QStringLiteral("Com9"));
+}
+
+void tst_frmOptions::typedDevicePath_data() {
+  // How the text is typed ("%pty" the pseudo-terminal, "%link" a link to it), which port
+  // it becomes (0: refused), and the start of the message box.
+  QTest::addColumn<QString>("typed");
+  QTest::addColumn<bool>("mapped");  // the pty is Com3 already
+  QTest::addColumn<int>("number");
+  QTest::addColumn<QString>("box");
+  QTest::newRow("known device") << "%pty" << true << 3 << "Der GPS-Empfänger an ";
+  QTest::newRow("link to a known device") << "%link" << true << 3 << "Der GPS-Empfänger an ";
+  QTest::newRow("device of no port") << "%pty" << false << 29 << "Der GPS-Empfänger an ";
+  QTest::newRow("missing") << "/dev/marvento-no-gps" << false << 0
+                           << "Das Gerät /dev/marvento-no-gps ist nicht vorhanden.";
+  QTest::newRow("no device") << "/tmp" << false << 0 << "/tmp ist keine serielle Schnittstelle.";
+  // Regression: a name without a number became port 0 and the busy-port question.
+  QTest::newRow("port 0") << "Com" << false << 0 << "Die Schnittstelle „Com“ gibt es nicht.";
+}
+
+// A path typed as the port becomes that port's device, stored for the next start, or is
+// refused with the dialog left open.
+void tst_frmOptions::typedDevicePath() {
+  QFETCH(QString, typed);
+  QFETCH(bool, mapped);
+  QFETCH(int, number);
+  QFETCH(QString, box);
+  marvento::test::Pty pty;
+  QVERIFY(pty.ok());
+  if (mapped) marvento::test::SetPortDevice(3, pty.path());
+  const QString link = m_config.filePath(QStringLiteral("gps-link"));
+  QFile::remove(link);
+  QVERIFY(QFile::link(pty.path(), link));
+  typed.replace(QStringLiteral("%pty"), pty.path()).replace(QStringLiteral("%link"), link);
+
+  Module1 state = firstRunState();
+  MainParts main;
+  marvento::MsgBoxRecorder boxes;
+  frmOptions dialog(state, main.targets());
+  dialog.show();
+  child<QComboBox>(dialog, "Combo1")->setEditText(typed);
+  child<QPushButton>(dialog, "Command1")->click();
+
+  QCOMPARE(boxes.count(), 1);
+  QVERIFY2(boxes.last().prompt.startsWith(box), qPrintable(boxes.last().prompt));
+  if (number == 0) {
+    QVERIFY(dialog.isVisible());
+    QCOMPARE(state.ComPort, QStringLiteral("Com1"));
+    QCOMPARE(state.ComNumber, 1);
+    return;
+  }
+  QCOMPARE(dialog.result(), int(QDialog::Accepted));
+  QCOMPARE(state.ComNumber, number);
+  QCOMPARE(state.ComPort, QStringLiteral("Com%1").arg(number));
+  QVERIFY2(
+      boxes.last().prompt.endsWith(QStringLiteral(" wird als Com%1 angesprochen.").arg(number)),
+      qPrintable(boxes.last().prompt));
+  // The port opens the typed device from now on, also after a restart.
+  QCOMPARE(QFileInfo(marvento::PortDevice(number)).canonicalFilePath(), pty.path());
+  if (typed == link) QCOMPARE(marvento::PortDevice(number), link);
 }
 
 QTEST_MAIN(tst_frmOptions)
