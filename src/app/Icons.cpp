@@ -19,8 +19,8 @@ namespace marvento {
 
 namespace {
 
-// One PNG per size in FOLDER, named <size>.png. The size is given with each file, so that
-// an image is read only when a widget asks for that size.
+// One PNG per size in FOLDER, named <size>.png; the icon holds them all, as the window
+// manager may ask for any of them.
 QIcon iconFromFolder(const QString& folder) {
   initIconResources();
   QIcon icon;
