@@ -5,7 +5,7 @@
 set -e
 cd "$(dirname "$0")/.."
 sh tools/deps.sh
-sh tools/build.sh
+sh tools/build.sh -DMARVENTO_BUILD_BENCH=ON
 (cd build && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j "$(nproc)" --timeout 600)
 
 # Every sanitizer finding fails the run, leaks included; nothing is suppressed. (No

@@ -1,146 +1,55 @@
 #include "app/Icons.h"
 
-#include <QFont>
-#include <QImage>
-#include <QPainter>
-#include <QPainterPath>
-#include <QPixmap>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
 
-#include <functional>
+// The images are painted by marvento-icongen while the program is built and compiled into
+// the library; a static library drops an unreferenced resource unless it is pulled in. (Out of
+// every namespace: the macro declares the resource's own function.)
+static void initIconResources() {
+  static const bool done = [] {
+    Q_INIT_RESOURCE(icons);
+    return true;
+  }();
+  (void)done;
+}
 
 namespace marvento {
 
 namespace {
 
-using Painter = std::function<void(QPainter&)>;
-
-// Draws on a 16 x 16 design grid at every size the icon is asked for.
-QIcon paintedIcon(const Painter& paint) {
+// One PNG per size in FOLDER, named <size>.png; the icon holds them all, as the window
+// manager may ask for any of them.
+QIcon iconFromFolder(const QString& folder) {
+  initIconResources();
   QIcon icon;
-  for (int size : {16, 24, 32, 48}) {
-    QPixmap pixmap(size, size);
-    pixmap.fill(Qt::transparent);
-    QPainter p(&pixmap);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setRenderHint(QPainter::TextAntialiasing);
-    p.scale(size / 16.0, size / 16.0);
-    paint(p);
-    p.end();
-    icon.addPixmap(pixmap);
+  const QFileInfoList files = QDir(folder).entryInfoList({QStringLiteral("*.png")}, QDir::Files);
+  for (const QFileInfo& file : files) {
+    const int size = file.completeBaseName().toInt();
+    icon.addFile(file.filePath(), QSize(size, size));
   }
   return icon;
-}
-
-void letter(QPainter& p, const QString& text, const QColor& color, bool italic = false) {
-  QFont font(QStringLiteral("DejaVu Sans"));
-  font.setPixelSize(14);
-  font.setBold(!italic);
-  font.setItalic(italic);
-  if (italic) font.setFamily(QStringLiteral("DejaVu Serif"));
-  p.setFont(font);
-  p.setPen(color);
-  p.drawText(QRectF(0, 0, 16, 16), Qt::AlignCenter, text);
-}
-
-void newPage(QPainter& p) {
-  QPainterPath page;
-  page.moveTo(3, 1.5);
-  page.lineTo(10, 1.5);
-  page.lineTo(13, 4.5);
-  page.lineTo(13, 14.5);
-  page.lineTo(3, 14.5);
-  page.closeSubpath();
-  p.setPen(QPen(QColor(90, 90, 90), 1));
-  p.setBrush(Qt::white);
-  p.drawPath(page);
-  QPainterPath corner;
-  corner.moveTo(10, 1.5);
-  corner.lineTo(10, 4.5);
-  corner.lineTo(13, 4.5);
-  p.setBrush(QColor(220, 220, 220));
-  p.drawPath(corner);
-}
-
-void exitWindow(QPainter& p) {
-  p.setPen(QPen(QColor(60, 60, 60), 1));
-  p.setBrush(Qt::white);
-  p.drawRect(QRectF(1.5, 2.5, 13, 11));
-  p.setBrush(QColor(0, 0, 128));
-  p.drawRect(QRectF(1.5, 2.5, 13, 2.5));
-  QFont font(QStringLiteral("DejaVu Sans"));
-  font.setPixelSize(5);
-  font.setBold(true);
-  p.setFont(font);
-  p.setPen(QColor(200, 0, 0));
-  p.drawText(QRectF(1.5, 6, 13, 7), Qt::AlignCenter, QStringLiteral("EXIT"));
-}
-
-void helpMark(QPainter& p) {
-  QFont font(QStringLiteral("DejaVu Sans"));
-  font.setPixelSize(15);
-  font.setBold(true);
-  p.setFont(font);
-  QPainterPath mark;
-  mark.addText(3.5, 14, font, QStringLiteral("?"));
-  p.setPen(QPen(QColor(120, 90, 0), 0.8));
-  p.setBrush(QColor(255, 215, 0));
-  p.drawPath(mark);
-}
-
-void globe(QPainter& p) {
-  const QRectF earth(1, 1, 14, 14);
-  QRadialGradient sea(QPointF(6, 5), 10);
-  sea.setColorAt(0, QColor(120, 180, 255));
-  sea.setColorAt(1, QColor(20, 80, 170));
-  p.setPen(QPen(QColor(10, 40, 100), 0.6));
-  p.setBrush(sea);
-  p.drawEllipse(earth);
-  p.setBrush(Qt::NoBrush);
-  p.setPen(QPen(QColor(220, 235, 255, 170), 0.4));
-  p.drawEllipse(QRectF(5, 1, 6, 14));
-  p.drawLine(QPointF(8, 1), QPointF(8, 15));
-  p.drawLine(QPointF(1, 8), QPointF(15, 8));
-  p.drawArc(QRectF(1, 4.5, 14, 7), 0, 180 * 16);
-  QPainterPath path;
-  path.moveTo(3.5, 11);
-  path.quadTo(6, 2.5, 12.5, 5);
-  p.setPen(QPen(QColor(230, 30, 30), 1.3, Qt::SolidLine, Qt::RoundCap));
-  p.drawPath(path);
-  p.setPen(Qt::NoPen);
-  p.setBrush(QColor(255, 240, 0));
-  p.drawEllipse(QPointF(3.5, 11), 1.4, 1.4);
-  p.setBrush(QColor(230, 30, 30));
-  p.drawEllipse(QPointF(12.5, 5), 1.4, 1.4);
 }
 
 }  // namespace
 
 QIcon ToolbarIcon(const QString& key) {
-  if (key == u"Neu") return paintedIcon(newPage);
-  if (key == u"Rechnen") return paintedIcon([](QPainter& p) { letter(p, QStringLiteral("R"), QColor(210, 0, 0)); });
-  if (key == u"Beenden") return paintedIcon(exitWindow);
-  if (key == u"Grundeinstellungen") {
-    return paintedIcon([](QPainter& p) { letter(p, QStringLiteral("G"), QColor(0, 0, 210)); });
-  }
-  if (key == u"Info") return paintedIcon([](QPainter& p) { letter(p, QStringLiteral("i"), Qt::black, true); });
-  if (key == u"Hilfe") return paintedIcon(helpMark);
-  return {};
-}
-
-QImage AppIconImage(int size) {
-  QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
-  image.fill(Qt::transparent);
-  QPainter p(&image);
-  p.setRenderHint(QPainter::Antialiasing);
-  p.scale(size / 16.0, size / 16.0);
-  globe(p);
-  return image;
+  if (key.isEmpty() || key.contains(u'/') || key.startsWith(u'.')) return {};
+  return iconFromFolder(QStringLiteral(":/icons/toolbar/") + key);
 }
 
 QIcon AppIcon() {
-  QIcon icon;
-  for (int size : {16, 24, 32, 48, 64, 128, 256}) icon.addPixmap(QPixmap::fromImage(AppIconImage(size)));
-  return icon;
+  // The application and the main window both take it; its seven images are read once.
+  static QIcon* cached = nullptr;
+  if (!cached) {
+    cached = new QIcon(iconFromFolder(QStringLiteral(":/icons/app")));
+    qAddPostRoutine([] {
+      delete cached;
+      cached = nullptr;
+    });
+  }
+  return *cached;
 }
 
 }  // namespace marvento

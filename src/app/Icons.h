@@ -5,13 +5,12 @@
 
 namespace marvento {
 
-// The tool bar images, painted anew at each size: "Neu", "Rechnen", "Beenden",
-// "Grundeinstellungen", "Info", "Hilfe". An unknown key gives an empty icon.
+// The tool bar images: "Neu", "Rechnen", "Beenden", "Grundeinstellungen", "Info", "Hilfe",
+// at 16, 24, 32 and 48 pixels. An unknown key gives an empty icon.
 QIcon ToolbarIcon(const QString& key);
 
-// The program's own icon: a globe with a great-circle path between two stations.
+// The program's own icon: a globe with a great-circle path between two stations, at 16 to
+// 256 pixels.
 QIcon AppIcon();
-// One rendering of it, for the icon theme files.
-QImage AppIconImage(int size);
 
 }  // namespace marvento
