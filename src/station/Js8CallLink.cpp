@@ -2,8 +2,8 @@
 
 #include "locator/LocatorToCoords.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QTcpSocket>
 
 #include <algorithm>
@@ -36,10 +36,11 @@ Js8CallLink::~Js8CallLink() {
 }
 
 QByteArray Js8CallLink::gridMessage(const QString& locator) {
-  const QJsonObject message{{QStringLiteral("type"), QStringLiteral("STATION.SET_GRID")},
-                            {QStringLiteral("value"), locator},
-                            {QStringLiteral("params"), QJsonObject()}};
-  return QJsonDocument(message).toJson(QJsonDocument::Compact) + '\n';
+  // The fields in the order of JS8Call's own examples; the value goes through the JSON
+  // writer, so no character of it can end the string.
+  const QByteArray array = QJsonDocument(QJsonArray{locator}).toJson(QJsonDocument::Compact);
+  const QByteArray value = array.sliced(1, array.size() - 2);
+  return R"({"type":"STATION.SET_GRID","value":)" + value + R"(,"params":{}})" + '\n';
 }
 
 void Js8CallLink::start(const QString& host, std::uint16_t port) {
