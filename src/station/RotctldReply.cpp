@@ -72,9 +72,8 @@ RotctldReply ReadRotctldReply(RotctldCommand command, QByteArrayView buffer) {
   if (const std::optional<int> code = report(first.text)) {
     if (*code == 0) {
       // A successful p answers with its two lines, not with a report.
-      return kind(
-          command == RotctldCommand::SetPosition ? RotctldReply::Done : RotctldReply::Malformed,
-          first.end);
+      if (command == RotctldCommand::GetPosition) return kind(RotctldReply::Malformed);
+      return kind(RotctldReply::Done, first.end);
     }
     RotctldReply reply = kind(RotctldReply::Error, first.end);
     reply.code = *code;

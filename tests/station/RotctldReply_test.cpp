@@ -54,7 +54,11 @@ TEST(RotctldReply, ReadsReportsAndPositionsAndRefusesTheRest) {
     SCOPED_TRACE(c.bytes);
     const RotctldReply reply = ReadRotctldReply(c.command, QByteArrayView(c.bytes));
     EXPECT_EQ(reply.kind, c.kind);
-    if (reply.kind == RotctldReply::Incomplete || reply.kind == RotctldReply::Malformed) continue;
+    // Regression: "RPRT 0" answering p was Malformed but claimed its line as consumed.
+    if (reply.kind == RotctldReply::Incomplete || reply.kind == RotctldReply::Malformed) {
+      EXPECT_EQ(reply.consumed, 0);
+      continue;
+    }
     EXPECT_EQ(reply.consumed, c.consumed);
     EXPECT_EQ(reply.code, c.code);
     EXPECT_DOUBLE_EQ(reply.azimuth, c.azimuth);
