@@ -1,0 +1,105 @@
+#include "station/StationAddress.h"
+
+#include "platform/Settings.h"
+
+#include <gtest/gtest.h>
+#include <QSettings>
+#include <QTemporaryDir>
+
+namespace marvento {
+namespace {
+
+struct AddressCase {
+  const char* text;
+  StationProgram program;
+  StationAddress::Status status;
+  const char* host;
+  std::uint16_t port;
+  const char* written;  // what StationAddressText gives back
+};
+
+TEST(StationAddress, ParsesHostAndPortAndRefusesTheRest) {
+  using P = StationProgram;
+  constexpr auto Ok = StationAddress::Ok;
+  constexpr auto Off = StationAddress::Off;
+  constexpr auto Bad = StationAddress::Invalid;
+  const AddressCase cases[] = {
+      {"", P::Wsjtx, Off, "", 0, ""},
+      {" 224.0.0.1:2237 ", P::Wsjtx, Ok, "224.0.0.1", 2237, "224.0.0.1:2237"},
+      // A host alone takes the program's own port.
+      {"127.0.0.1", P::Js8Call, Ok, "127.0.0.1", 2442, "127.0.0.1:2442"},
+      {"shack-pi.local", P::Rotor, Ok, "shack-pi.local", 4533, "shack-pi.local:4533"},
+      {"[::1]:2237", P::Wsjtx, Ok, "::1", 2237, "[::1]:2237"},
+      {"::1", P::Js8Call, Ok, "::1", 2442, "[::1]:2442"},
+      // WSJT-X's address is one to listen on: a name that needs a lookup is refused there.
+      {"shack-pi:2237", P::Wsjtx, Bad, "", 0, ""},
+      {"rotor:0", P::Rotor, Bad, "", 0, ""},
+      {"rotor:65536", P::Rotor, Bad, "", 0, ""},
+      {"rotor:+45", P::Rotor, Bad, "", 0, ""},
+      {"rotor:", P::Rotor, Bad, "", 0, ""},
+      {":4533", P::Rotor, Bad, "", 0, ""},
+      {"ro tor:4533", P::Rotor, Bad, "", 0, ""},
+      {"http://rotor:4533", P::Rotor, Bad, "", 0, ""},
+      {"[::1:2237", P::Wsjtx, Bad, "", 0, ""},
+      {"1:2:3", P::Rotor, Bad, "", 0, ""},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    const QString text = QString::fromLatin1(c.text);
+    const StationAddress address = ParseStationAddress(text, c.program);
+    EXPECT_EQ(address.status, c.status);
+    EXPECT_EQ(StationAddressProblem(text, c.program).isEmpty(), c.status != Bad);
+    if (c.status != Ok) continue;
+    EXPECT_EQ(address.host, QLatin1String(c.host));
+    EXPECT_EQ(address.port, c.port);
+    EXPECT_EQ(StationAddressText(address), QLatin1String(c.written));
+    const StationAddress again = ParseStationAddress(StationAddressText(address), c.program);
+    EXPECT_EQ(again.host, address.host);
+    EXPECT_EQ(again.port, address.port);
+  }
+}
+
+class StationAddressStore : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(m_dir.isValid());
+    m_saved = qgetenv("XDG_CONFIG_HOME");
+    qputenv("XDG_CONFIG_HOME", m_dir.path().toLocal8Bit());
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_dir.path());
+  }
+  void TearDown() override {
+    qputenv("XDG_CONFIG_HOME", m_saved);
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                       QString::fromLocal8Bit(m_saved));
+  }
+  QVariant stored(const char* key) const {
+    QSettings file(m_dir.path() + QStringLiteral("/Marvento/Marvento.conf"), QSettings::IniFormat);
+    return file.value(QStringLiteral("Settings/") + QString::fromLatin1(key));
+  }
+
+  QTemporaryDir m_dir;
+  QByteArray m_saved;
+};
+
+// Other tools and the user's own scripts read these keys: names and text form must hold.
+TEST_F(StationAddressStore, KeysHoldHostPortTextAndEmptyMeansOff) {
+  EXPECT_EQ(LoadStationAddress(StationProgram::Js8Call).status, StationAddress::Off);
+  SaveStationAddress(StationProgram::Wsjtx,
+                     ParseStationAddress(QStringLiteral("224.0.0.1:2237"), StationProgram::Wsjtx));
+  SaveStationAddress(StationProgram::Rotor,
+                     ParseStationAddress(QStringLiteral("::1"), StationProgram::Rotor));
+  SaveStationAddress(StationProgram::Js8Call, StationAddress{});
+  EXPECT_EQ(stored("Wsjtx").toString(), QStringLiteral("224.0.0.1:2237"));
+  EXPECT_EQ(stored("Rotor").toString(), QStringLiteral("[::1]:4533"));
+  EXPECT_TRUE(stored("Js8Call").isValid());
+  EXPECT_EQ(stored("Js8Call").toString(), QString());
+
+  EXPECT_EQ(LoadStationAddress(StationProgram::Rotor).port, 4533);
+
+  // A value edited in by hand that is no address switches the link off.
+  SaveSetting(QStringLiteral("Wsjtx"), QStringLiteral("wsjtx.example:99999"));
+  EXPECT_EQ(LoadStationAddress(StationProgram::Wsjtx).status, StationAddress::Off);
+}
+
+}  // namespace
+}  // namespace marvento
