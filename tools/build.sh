@@ -1,7 +1,8 @@
 #!/bin/sh
-# Configures and builds Marvento in build/ (or the folder given as $BUILD_DIR).
+# Configures and builds Marvento in build/ (or the folder given as $BUILD_DIR), with warnings
+# as errors: the project's own builds keep the code warning-free.
 set -e
 cd "$(dirname "$0")/.."
 build="${BUILD_DIR:-build}"
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@" >/dev/null
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DMARVENTO_WERROR=ON "$@" >/dev/null
 cmake --build "$build" -j "$(nproc)"
