@@ -735,10 +735,8 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event) {
 
   auto* key = static_cast<QKeyEvent*>(event);
   if (type == QEvent::KeyRelease) {
-    if (key->isAutoRepeat()) return false;
-    Form_KeyUp(key->key(), key->modifiers());
-    passKeyOn(watched, event);
-    return true;
+    if (!key->isAutoRepeat()) Form_KeyUp(key->key(), key->modifiers());
+    return false;
   }
   if (key->key() == Qt::Key_Insert && key->modifiers() == Qt::NoModifier) {
     m_insertMode = !m_insertMode;
