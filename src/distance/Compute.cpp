@@ -255,9 +255,9 @@ ComputeCommand::Step ComputeCommand::SolveDistance() {
   if (std::fabs(dLg) < 8.33e-07 && std::fabs(dBr) < 1.27e-06) return fault(kDivisionByZero);
   if (std::fabs(dLg) > 360 && std::fabs(dBr) > 180) return fault(kInvalidCall);
 
-  const int error = ShowDistanceBearing(myBr, fremdBr, myLg, fremdLg,
-                                        m_fields.Combo1->currentText(), m_fields.lblEntfernung,
-                                        m_fields.lblRichtung);
+  const int error =
+      ShowDistanceBearing(myBr, fremdBr, myLg, fremdLg, m_fields.Combo1->currentText(),
+                          m_fields.lblEntfernung, m_fields.lblRichtung);
   return error ? fault(error) : next();
 }
 
