@@ -9,10 +9,32 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QLabel>
+#include <QLibraryInfo>
 #include <QLineEdit>
 #include <QTimer>
+#include <QTranslator>
 
 namespace marvento {
+
+namespace {
+
+// What Qt draws itself (context menus of the fields, key names in the menus, standard
+// buttons) speaks German like the rest of the program, whatever the system's language.
+void LoadQtTranslations() {
+  if (qApp->findChild<QTranslator*>(QStringLiteral("qtTranslations"))) return;
+  const QString folder = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+  for (const QString& name : {QStringLiteral("qtbase_de"), QStringLiteral("qt_de")}) {
+    auto* translator = new QTranslator(qApp);
+    if (!translator->load(name, folder)) {
+      delete translator;
+      continue;
+    }
+    translator->setObjectName(QStringLiteral("qtTranslations"));
+    QCoreApplication::installTranslator(translator);
+  }
+}
+
+}  // namespace
 
 Module1& State() {
   static Module1 state;
@@ -25,6 +47,7 @@ void Main() {
   QApplication::setApplicationVersion(QStringLiteral("4.4.0"));
   QApplication::setWindowIcon(AppIcon());
   QGuiApplication::setDesktopFileName(QStringLiteral("org.marvento.Marvento"));
+  LoadQtTranslations();
 
   Module1& state = State();
   state.MainForm = new frmMain(state);

@@ -1,5 +1,6 @@
 #include "app/frmMain.h"
 
+#include "app/FieldFit.h"
 #include "app/Icons.h"
 #include "app/InstanceGuard.h"
 #include "app/SettingsStore.h"
@@ -34,6 +35,8 @@
 #include <QLocale>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointer>
+#include <QRegularExpressionValidator>
 #include <QStatusBar>
 #include <QTime>
 #include <QTimer>
@@ -42,24 +45,20 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <vector>
 
 namespace marvento {
 
 namespace {
 
-// The design's tops count from the top of the client area, tool bar included; the fields
-// here sit below the tool bar, so they move up by its height.
+// Positions in twips count from the top of the client area with the tool bar in it; the
+// fields here sit below the tool bar, so they move up by its height.
 constexpr double kToolBarTwips = 540;
 constexpr double kColumns[] = {240, 2460, 4380};
 constexpr double kColumnWidth[] = {1935, 1800, 1800};
 constexpr double kClientWidth = 6420;
 constexpr double kFieldHeight = 345;
 constexpr double kLabelHeight = 255;
-
-QRect twipsRect(double left, double top, double width, double height) {
-  return QRect(TwipsToPx(left), TwipsToPx(top - kToolBarTwips), TwipsToPx(width),
-               TwipsToPx(height));
-}
 
 QString shortDate(const QDate& date) {
   // The German short form writes the year with two digits; the status bar shows all four.
@@ -109,6 +108,8 @@ frmMain::frmMain(Module1& state, QWidget* parent)
 
   const ComputeFields fields{tbMyLoc,   tbFremdLoc,    tbMyLg,      tbMyBr, tbFremdLg,
                              tbFremdBr, lblEntfernung, lblRichtung, Combo1};
+  connect(tbMyLoc, &QLineEdit::textChanged, this, &frmMain::tbMyLoc_Change);
+
   m_sub->compute = std::make_unique<ComputeCommand>(fields, m_state, [this] { WriteGpsLog(); });
 
   const GpsPollView pollView{lbInfo,    lbKurs,    tbMyLoc, tbMyLg, tbMyBr, tbFremdLoc,
@@ -142,28 +143,37 @@ frmMain::~frmMain() {
 void frmMain::buildControls() {
   auto* client = new QWidget(this);
   client->setObjectName(QStringLiteral("client"));
-  client->setFixedSize(TwipsToPx(kClientWidth), TwipsToPx(3720 + kLabelHeight + 90 - kToolBarTwips));
   setCentralWidget(client);
+
+  // Everything is placed once the fields know how wide the font makes them.
+  struct Placed {
+    QWidget* widget;
+    int column;
+    double top;
+    double height;
+  };
+  std::vector<Placed> placed;
 
   auto label = [&](const char* name, const QString& text, int column, double top) {
     auto* l = new QLabel(text, client);
     l->setObjectName(QString::fromLatin1(name));
-    l->setGeometry(twipsRect(kColumns[column], top, kColumnWidth[column], kLabelHeight));
+    placed.push_back({l, column, top, kLabelHeight});
     return l;
   };
   auto field = [&](const char* name, const QString& tip, int column, double top, bool centred) {
     auto* f = new QLineEdit(client);
     f->setObjectName(QString::fromLatin1(name));
     f->setToolTip(tip);
-    f->setGeometry(twipsRect(kColumns[column], top, kColumnWidth[column], kFieldHeight));
+    placed.push_back({f, column, top, kFieldHeight});
     if (centred) f->setAlignment(Qt::AlignCenter);
+    ShowTextFromStart(f);
     return f;
   };
   auto result = [&](const char* name, const QString& text, const QString& tip, int column) {
     auto* r = new QLabel(text, client);
     r->setObjectName(QString::fromLatin1(name));
     r->setToolTip(tip);
-    r->setGeometry(twipsRect(kColumns[column], 3120, kColumnWidth[column], kFieldHeight));
+    placed.push_back({r, column, 3120, kFieldHeight});
     r->setAlignment(Qt::AlignCenter);
     r->setFrameStyle(QFrame::Panel | QFrame::Sunken);
     r->setAutoFillBackground(true);
@@ -188,12 +198,16 @@ void frmMain::buildControls() {
   Line2 = rule("Line2", kToolBarTwips + 15, Qt::white);
   Line3 = rule("Line3", 2700, QColor(128, 128, 128));
 
+  // The locator fields take at most 10 typed characters; a text that the program puts there
+  // (a home locator edited in the settings file) stays whole, for the locator check to refuse.
+  const QRegularExpression tenTyped(QStringLiteral("^.{0,10}$"),
+                                    QRegularExpression::DotMatchesEverythingOption);
   Label4 = label("Label4", QStringLiteral("&Mein Locator"), 0, 660);
   tbMyLoc = field("tbMyLoc", QStringLiteral(" Eigener Locator "), 0, 960, false);
-  tbMyLoc->setMaxLength(10);
+  tbMyLoc->setValidator(new QRegularExpressionValidator(tenTyped, tbMyLoc));
   Label1 = label("Label1", QStringLiteral("&Fremdlocator"), 0, 1620);
   tbFremdLoc = field("tbFremdLoc", QStringLiteral(" Locator der Gegenstation "), 0, 1920, false);
-  tbFremdLoc->setMaxLength(10);
+  tbFremdLoc->setValidator(new QRegularExpressionValidator(tenTyped, tbFremdLoc));
   Label5 = label("Label5", QStringLiteral("östl. &Länge [°]"), 1, 660);
   tbMyLg = field("tbMyLg", QStringLiteral(" Eigene östl. Länge "), 1, 960, true);
   Label6 = label("Label6", QStringLiteral("nördl. &Breite [°]"), 2, 660);
@@ -207,7 +221,7 @@ void frmMain::buildControls() {
   Combo1->setEditable(true);
   Combo1->setInsertPolicy(QComboBox::NoInsert);
   Combo1->setToolTip(QStringLiteral(" Erdradius als Berechnungsgrundlage "));
-  Combo1->setGeometry(twipsRect(kColumns[0], 3120, kColumnWidth[0], kFieldHeight));
+  placed.push_back({Combo1, 0, 3120, kFieldHeight});
   Combo1->setEditText(QStringLiteral("Combo1"));
 
   Label2 = label("Label2", QStringLiteral("Entfernung"), 1, 2820);
@@ -217,14 +231,34 @@ void frmMain::buildControls() {
   lblRichtung = result("lblRichtung", QStringLiteral("Richtung"),
                        QStringLiteral(" Richtung zur Gegenstation "), 2);
 
-  auto infoLine = [&](const char* name, const QString& text, double top) {
+  // Each column is as wide as its widest text needs, at least as wide as on a small font.
+  const int locatorWidth = FieldWidthFor(*tbMyLoc, WidestLocatorText(tbMyLoc->fontMetrics()));
+  const int coordinateWidth = FieldWidthFor(*tbMyLg, WidestCoordinateText(tbMyLg->fontMetrics()));
+  int width[3] = {std::max(TwipsToPx(kColumnWidth[0]), locatorWidth),
+                  std::max(TwipsToPx(kColumnWidth[1]), coordinateWidth),
+                  std::max(TwipsToPx(kColumnWidth[2]), coordinateWidth)};
+  int left[3] = {TwipsToPx(kColumns[0]), 0, 0};
+  for (int c = 1; c < 3; ++c) {
+    const double gap = kColumns[c] - kColumns[c - 1] - kColumnWidth[c - 1];
+    left[c] = left[c - 1] + width[c - 1] + TwipsToPx(gap);
+  }
+  for (const Placed& p : placed) {
+    p.widget->setGeometry(left[p.column], TwipsToPx(p.top - kToolBarTwips), width[p.column],
+                          TwipsToPx(p.height));
+  }
+  const int clientWidth =
+      left[2] + width[2] + TwipsToPx(kClientWidth - kColumns[2] - kColumnWidth[2]);
+
+  auto infoLine = [&](const char* name, const QString& text, int top, int lines) {
     auto* l = new QLabel(text, client);
     l->setObjectName(QString::fromLatin1(name));
-    l->setGeometry(twipsRect(0, top, kClientWidth, kLabelHeight));
     l->setAlignment(Qt::AlignCenter);
     QFont font = l->font();
     font.setBold(true);
     l->setFont(font);
+    const int height =
+        std::max(TwipsToPx(kLabelHeight) * lines, l->fontMetrics().lineSpacing() * lines + 2);
+    l->setGeometry(0, top, clientWidth, height);
     // In the colours of a tool tip: readable on every theme.
     l->setAutoFillBackground(true);
     QPalette palette = l->palette();
@@ -233,8 +267,11 @@ void frmMain::buildControls() {
     l->setPalette(palette);
     return l;
   };
-  lbInfo = infoLine("lbInfo", QStringLiteral("Info:"), 3480);
-  lbKurs = infoLine("lbKurs", QStringLiteral("Kurs"), 3720);
+  // GPS messages carry a try count in front and the reason behind: two lines keep both.
+  lbInfo = infoLine("lbInfo", QStringLiteral("Info:"), TwipsToPx(3480 - kToolBarTwips), 2);
+  lbInfo->setWordWrap(true);
+  lbKurs = infoLine("lbKurs", QStringLiteral("Kurs"), lbInfo->geometry().bottom() + 1, 1);
+  client->setFixedSize(clientWidth, lbKurs->geometry().bottom() + 1 + TwipsToPx(90));
 
   Label4->setBuddy(tbMyLoc);
   Label1->setBuddy(tbFremdLoc);
@@ -242,7 +279,7 @@ void frmMain::buildControls() {
   Label6->setBuddy(tbMyBr);
   Label7->setBuddy(Combo1);
 
-  // Tab order by the design's numbers: the fields, then the radius.
+  // Tab order: the fields as the eye reads them, then the radius.
   QWidget* order[] = {tbMyLoc, tbFremdLoc, tbMyLg, tbMyBr, tbFremdLg, tbFremdBr, Combo1};
   for (std::size_t i = 1; i < std::size(order); ++i) setTabOrder(order[i - 1], order[i]);
 }
@@ -322,7 +359,8 @@ void frmMain::buildStatusBar() {
   sbStatusBar->setSizeGripEnabled(false);
   setStatusBar(sbStatusBar);
 
-  // Each panel has its design width, or more where the font needs it for its widest text.
+  // Each panel is as wide as on a small font, or wider where the font needs it for its widest
+  // text.
   auto panel = [&](const char* name, const QString& text, const QString& tip, double width,
                    const QString& widest) {
     auto* p = new QLabel(text, sbStatusBar);
@@ -358,7 +396,7 @@ void frmMain::buildStatusBar() {
 void frmMain::fitWidth() {
   // The status bar may need more room than the fields where the font is large; the client
   // area, its rules and the two info lines then widen with it.
-  const int width = std::max(TwipsToPx(kClientWidth), sbStatusBar->sizeHint().width());
+  const int width = std::max(centralWidget()->width(), sbStatusBar->sizeHint().width());
   centralWidget()->setFixedWidth(width);
   for (QWidget* line : {static_cast<QWidget*>(Line1), static_cast<QWidget*>(Line2),
                         static_cast<QWidget*>(Line3), static_cast<QWidget*>(lbInfo),
@@ -411,8 +449,24 @@ void frmMain::Form_Load() {
 }
 
 QString frmMain::statusText() const {
-  return QStringLiteral("Status: ") + m_state.GpsStatus + QStringLiteral(" (") + m_state.ComPort +
+  // A device path chosen as the port is shown by the port's name, which is short and is
+  // what the settings dialog lists.
+  QString port = m_state.ComPort;
+  if (port.startsWith(u'/')) {
+    for (int number = 1; number <= 29; ++number) {
+      if (PortDevice(number) == port) {
+        port = QStringLiteral("Com") + QString::number(number);
+        break;
+      }
+    }
+  }
+  return QStringLiteral("Status: ") + m_state.GpsStatus + QStringLiteral(" (") + port +
          QStringLiteral(")");
+}
+
+void frmMain::tbMyLoc_Change() {
+  // The task bar shows the locator while minimised; each fix keeps it up to date.
+  if (m_state.GpsStatus == kGpsAn && isMinimized()) setWindowTitle(tbMyLoc->text());
 }
 
 void frmMain::Form_Resize() {
@@ -659,7 +713,14 @@ void frmMain::closeEvent(QCloseEvent* event) {
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {
   const auto type = event->type();
+  if (type == QEvent::ToolTip && (watched == lbInfo || watched == lbKurs)) {
+    // The lines may hold more than fits; the tool tip gives the whole text.
+    auto* line = static_cast<QLabel*>(watched);
+    line->setToolTip(line->text());
+    return false;
+  }
   if (type != QEvent::KeyPress && type != QEvent::KeyRelease) return false;
+  if (m_passingKey) return false;
   // A key reaches the filter once for the focused control and again for each parent that
   // does not take it; only the first delivery inside this window counts.
   QWidget* focus = QApplication::focusWidget();
@@ -680,13 +741,27 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event) {
   }
   if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
     Form_KeyPress(watched, 13, QString());
-    return false;
+    passKeyOn(watched, event);
+    return true;
   }
   const QString text = key->text();
   if (text.size() == 1 && !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier))) {
     Form_KeyPress(watched, text.at(0).unicode(), text);
   }
   return false;
+}
+
+void frmMain::passKeyOn(QObject* target, QEvent* event) {
+  // A handler that showed a message box has left the window without a focused control when
+  // the box closed. Were the key left to travel on, the control would ignore it and the
+  // window, which receives keys when nothing has the focus, would take it for a new one:
+  // a second computation, a second box. So the control gets the key here, and only here.
+  const QPointer<QObject> alive(target);
+  if (!alive) return;
+  m_passingKey = true;
+  QCoreApplication::sendEvent(target, event);
+  m_passingKey = false;
+  event->accept();
 }
 
 void frmMain::Form_KeyPress(QObject* target, int keyAscii, const QString& text) {

@@ -23,7 +23,8 @@ class CommControl;
 class HeightTable;
 
 // The one window of the program. Its controls are the working data of the compute
-// command and of GPS reception, so they are public and carry their design names.
+// command and of GPS reception, so they are public; their names are the object names that
+// scripts and tests find them by.
 class frmMain : public QMainWindow {
   Q_OBJECT
 
@@ -81,6 +82,7 @@ class frmMain : public QMainWindow {
   void Form_Load();
   void Form_Activate();
   void Form_Resize();
+  void tbMyLoc_Change();
 
   void mnuNeu_Click();
   void mnuRechnen_Click();
@@ -130,6 +132,7 @@ class frmMain : public QMainWindow {
   void Form_Unload();
   void Form_KeyPress(QObject* target, int keyAscii, const QString& text);
   void Form_KeyUp(int keyCode, Qt::KeyboardModifiers modifiers);
+  void passKeyOn(QObject* target, QEvent* event);
   void ShowHelp();
   void ShowAbout();
   void HeightReport();
@@ -143,6 +146,7 @@ class frmMain : public QMainWindow {
   bool m_loaded = false;
   bool m_insertMode = true;
   bool m_activatePending = false;
+  bool m_passingKey = false;
   struct Subsystems;
   std::unique_ptr<Subsystems> m_sub;
 };

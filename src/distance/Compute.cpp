@@ -37,6 +37,13 @@ QString upperCase(QString text) {
 
 const QString kIncomplete = QStringLiteral(" Unvollständige Eingabe !");
 
+// A field that the command writes shows its text from the start, degrees and the first
+// letters of a locator first, also where the text is the one it held already.
+void write(QLineEdit* field, const QString& text) {
+  field->setText(text);
+  field->setCursorPosition(0);
+}
+
 }  // namespace
 
 Route PickRoute(const ComputeEntries& entry, const ComputeMemory& memory) {
@@ -138,7 +145,7 @@ ComputeCommand::Step ComputeCommand::OwnCoordsToLocator() {
   if (Step s = ParseCoordinates(); !s.goOn()) return s;
   m_memory.MyBr = m_WorkBr;
   m_memory.MyLg = m_WorkLg;
-  m_fields.tbMyLoc->setText(CoordsToLocator(m_memory.MyLg, m_memory.MyBr, m_state.Loc10st));
+  write(m_fields.tbMyLoc, CoordsToLocator(m_WorkLg, m_WorkBr, m_state.Loc10st));
   // Compared with the field as the command found it, not with the locator just made.
   if (m_memory.LastMyLoc != m_entry.MyLoc) LogIfOn();
   return next();
@@ -150,8 +157,7 @@ ComputeCommand::Step ComputeCommand::RemoteCoordsToLocator() {
   if (Step s = ParseCoordinates(); !s.goOn()) return s;
   m_memory.FremdBr = m_WorkBr;
   m_memory.FremdLg = m_WorkLg;
-  m_fields.tbFremdLoc->setText(
-      CoordsToLocator(m_memory.FremdLg, m_memory.FremdBr, m_state.Loc10st));
+  write(m_fields.tbFremdLoc, CoordsToLocator(m_WorkLg, m_WorkBr, m_state.Loc10st));
   return next();
 }
 
@@ -164,7 +170,7 @@ ComputeCommand::Step ComputeCommand::ResolveMySide() {
     m_memory.MyBr = m_WorkBr;
     m_memory.MyLg = m_WorkLg;
     m_WorkLoc = CoordsToLocator(m_WorkLg, m_WorkBr, m_state.Loc10st);
-    m_fields.tbMyLoc->setText(m_WorkLoc);
+    write(m_fields.tbMyLoc, m_WorkLoc);
   }
   if (Step s = CheckLength(); !s.goOn()) return s;
   m_MySide = true;
@@ -172,7 +178,7 @@ ComputeCommand::Step ComputeCommand::ResolveMySide() {
   if (Step s = LocatorToFields(); !s.goOn()) return s;
   m_memory.MyBr = m_WorkBr;
   m_memory.MyLg = m_WorkLg;
-  m_fields.tbMyLoc->setText(m_WorkLoc);
+  write(m_fields.tbMyLoc, m_WorkLoc);
   return next();
 }
 
@@ -182,7 +188,7 @@ ComputeCommand::Step ComputeCommand::ResolveFremdSide() {
   // "+" stands for "no remote station yet": nothing to show, nothing to say.
   if (m_WorkLoc == u"+") return end();
   m_WorkLoc = upperCase(m_WorkLoc);
-  m_fields.tbFremdLoc->setText(m_WorkLoc);
+  write(m_fields.tbFremdLoc, m_WorkLoc);
   if (Step s = LocatorToFields(); !s.goOn()) return s;
   m_memory.FremdBr = m_WorkBr;
   m_memory.FremdLg = m_WorkLg;
@@ -204,8 +210,8 @@ ComputeCommand::Step ComputeCommand::LocatorToFields() {
     if (Step s = ParseCoordinates(); !s.goOn()) return s;
     m_memory.FremdBr = m_WorkBr;
     m_memory.FremdLg = m_WorkLg;
-    m_WorkLoc = CoordsToLocator(m_memory.FremdLg, m_memory.FremdBr, m_state.Loc10st);
-    m_fields.tbFremdLoc->setText(m_WorkLoc);
+    m_WorkLoc = CoordsToLocator(m_WorkLg, m_WorkBr, m_state.Loc10st);
+    write(m_fields.tbFremdLoc, m_WorkLoc);
   }
   if (Step s = CheckLength(); !s.goOn()) return s;
   if (m_WorkLoc.size() > 5 && !LocatorToCoords(m_WorkLoc, m_WorkLg, m_WorkBr)) return end();
@@ -221,34 +227,37 @@ ComputeCommand::Step ComputeCommand::CheckLength() {
 }
 
 ComputeCommand::Step ComputeCommand::SolveDistance() {
-  // 0 means the number was never worked out: the first run after start can reach here
-  // through route B or D with the other side typed but not yet read.
-  if (m_memory.MyBr == 0 || m_memory.MyLg == 0) {
+  // A side without numbers yet: the first run after start can reach here through route B
+  // or D with the other side typed but not yet read.
+  if (!m_memory.MyBr || !m_memory.MyLg) {
     m_CoordLg = m_entry.MyLg;
     m_CoordBr = m_entry.MyBr;
     if (Step s = ParseCoordinates(); !s.goOn()) return s;
     m_memory.MyBr = m_WorkBr;
     m_memory.MyLg = m_WorkLg;
-    m_fields.tbMyLoc->setText(CoordsToLocator(m_memory.MyLg, m_memory.MyBr, m_state.Loc10st));
+    write(m_fields.tbMyLoc, CoordsToLocator(m_WorkLg, m_WorkBr, m_state.Loc10st));
   }
-  if (m_memory.FremdBr == 0 || m_memory.FremdLg == 0) {
+  if (!m_memory.FremdBr || !m_memory.FremdLg) {
     m_CoordLg = m_entry.FremdLg;
     m_CoordBr = m_entry.FremdBr;
     if (Step s = ParseCoordinates(); !s.goOn()) return s;
     m_memory.FremdBr = m_WorkBr;
     m_memory.FremdLg = m_WorkLg;
-    m_fields.tbFremdLoc->setText(
-        CoordsToLocator(m_memory.FremdLg, m_memory.FremdBr, m_state.Loc10st));
+    write(m_fields.tbFremdLoc, CoordsToLocator(m_WorkLg, m_WorkBr, m_state.Loc10st));
   }
 
-  const double dLg = m_memory.MyLg - m_memory.FremdLg;
-  const double dBr = m_memory.MyBr - m_memory.FremdBr;
+  const double myLg = *m_memory.MyLg;
+  const double myBr = *m_memory.MyBr;
+  const double fremdLg = *m_memory.FremdLg;
+  const double fremdBr = *m_memory.FremdBr;
+  const double dLg = myLg - fremdLg;
+  const double dBr = myBr - fremdBr;
   if (std::fabs(dLg) < 8.33e-07 && std::fabs(dBr) < 1.27e-06) return fault(kDivisionByZero);
   if (std::fabs(dLg) > 360 && std::fabs(dBr) > 180) return fault(kInvalidCall);
 
-  const int error = ShowDistanceBearing(m_memory.MyBr, m_memory.FremdBr, m_memory.MyLg,
-                                        m_memory.FremdLg, m_fields.Combo1->currentText(),
-                                        m_fields.lblEntfernung, m_fields.lblRichtung);
+  const int error =
+      ShowDistanceBearing(myBr, fremdBr, myLg, fremdLg, m_fields.Combo1->currentText(),
+                          m_fields.lblEntfernung, m_fields.lblRichtung);
   return error ? fault(error) : next();
 }
 
@@ -266,10 +275,10 @@ ComputeCommand::Step ComputeCommand::ParseCoordinates() {
 ComputeCommand::Step ComputeCommand::WriteCoordinates(QLineEdit* lgField, QLineEdit* brField) {
   const auto lg = CoordinateText(m_WorkLg, m_state.GradDezimal);
   if (!lg) return fault(kOverflow);
-  lgField->setText(*lg);
+  write(lgField, *lg);
   const auto br = CoordinateText(m_WorkBr, m_state.GradDezimal);
   if (!br) return fault(kOverflow);
-  brField->setText(*br);
+  write(brField, *br);
   return next();
 }
 

@@ -3,6 +3,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 
 class QComboBox;
 class QLabel;
@@ -27,7 +28,8 @@ struct ComputeFields {
 };
 
 // What the command remembers from its last run, to tell what the user has changed since.
-// Positions are decimal degrees, east and north positive; 0 counts as not known yet.
+// Positions are decimal degrees, east and north positive, and empty until a run has worked
+// them out: 0 is a place like any other (the equator, the prime meridian).
 struct ComputeMemory {
   QString LastFremdLoc;
   QString LastMyLoc;
@@ -35,10 +37,10 @@ struct ComputeMemory {
   QString LastMyBr;
   QString LastFremdLg;
   QString LastFremdBr;
-  double MyLg = 0;
-  double MyBr = 0;
-  double FremdLg = 0;
-  double FremdBr = 0;
+  std::optional<double> MyLg;
+  std::optional<double> MyBr;
+  std::optional<double> FremdLg;
+  std::optional<double> FremdBr;
 };
 
 // The six entries as the command read them, blanks at both ends removed.

@@ -3,19 +3,71 @@
 #include "platform/MsgBoxRecorder.h"
 #include "platform/Settings.h"
 #include "support/ProgramFixture.h"
+#include "support/RealBoxes.h"
 
 #include <QComboBox>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QHelpEvent>
 #include <QLockFile>
 #include <QLocale>
+#include <QMenu>
+#include <QStyle>
+#include <QStyleOptionFrame>
 #include <QTimer>
 #include <QtTest>
 
 using namespace marvento;
 using marvento::test::IsolatedUser;
 using marvento::test::Program;
+using marvento::test::RealBoxes;
+
+namespace {
+
+// Whether the field shows all of its text, first character included, as Qt draws it.
+QString hiddenPart(QLineEdit* field) {
+  field->grab();  // painting settles the field's scroll offset
+  QStyleOptionFrame option;
+  option.initFrom(field);
+  option.lineWidth = field->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, field);
+  const QRect line = field->style()
+                         ->subElementRect(QStyle::SE_LineEditContents, &option, field)
+                         .marginsRemoved(field->textMargins())
+                         .adjusted(2, 0, -2, 0);
+  const QString text = field->text();
+  const int width = field->fontMetrics().horizontalAdvance(text);
+  if (width + 2 > line.width()) {
+    return QStringLiteral("%1 px of text in %2 px").arg(width).arg(line.width());
+  }
+  if (field->cursorPosition() != 0) return QStringLiteral("cursor not at the start");
+  const int y = line.center().y();
+  const int first = field->cursorPositionAt(QPoint(line.left(), y));
+  const int last = field->cursorPositionAt(QPoint(line.right(), y));
+  if (first != 0 || last != text.size()) {
+    return QStringLiteral("only characters %1 to %2 shown").arg(first).arg(last);
+  }
+  return {};
+}
+
+// Sets the application font for the windows made while it lives.
+class AppFont {
+ public:
+  explicit AppFont(int points) : m_saved(QApplication::font()) {
+    if (points <= 0) return;
+    QFont font = m_saved;
+    font.setPointSize(points);
+    QApplication::setFont(font);
+  }
+  ~AppFont() { QApplication::setFont(m_saved); }
+  AppFont(const AppFont&) = delete;
+  AppFont& operator=(const AppFont&) = delete;
+
+ private:
+  QFont m_saved;
+};
+
+}  // namespace
 
 class tst_frmMain : public QObject {
   Q_OBJECT
@@ -35,6 +87,187 @@ class tst_frmMain : public QObject {
     QVERIFY(w->Combo1->currentText().isEmpty());
     QVERIFY(w->Timer1->isActive());
     QCOMPARE(w->Panel1->text(), QStringLiteral("Status: GPS irgendwas (Com1)"));
+  }
+
+  void oneEnterShowsOneBox_data() {
+    QTest::addColumn<QStringList>("entries");  // own locator, Lg, Br, remote locator, Lg, Br
+    QTest::addColumn<bool>("decimal");
+    QTest::addColumn<QString>("title");
+    const QString incomplete = QStringLiteral(" Unvollständige Eingabe !");
+    const QString degrees = QStringLiteral(" Falsche Gradeingabe !");
+    QTest::newRow("own station empty")
+        << QStringList{"", "", "", "JO31NK", "", ""} << true << incomplete;
+    QTest::newRow("remote station empty")
+        << QStringList{"JO62QM", "", "", "", "", ""} << true << incomplete;
+    QTest::newRow("locator length") << QStringList{"JO62QM", "", "", "JO6", "", ""} << true
+                                    << QStringLiteral(" Falsche Eingabe !");
+    QTest::newRow("bad locator") << QStringList{"JO62QM", "", "", "JO62YM", "", ""} << true
+                                 << QStringLiteral(" Falscher Locator !");
+    QTest::newRow("QRA small field")
+        << QStringList{"JO62QM", "", "", "EK74I", "", ""} << true << QStringLiteral(" KF falsch !");
+    QTest::newRow("coordinate limit")
+        << QStringList{"", "180", "52", "JO31NK", "", ""} << true << degrees;
+    QTest::newRow("degree format")
+        << QStringList{"", "13", "52°0'0\"", "JO31NK", "", ""} << false << degrees;
+  }
+  // Regression: the Enter that the field ignored reached the window again after the box
+  // closed (no widget had the focus then) and computed, and refused, a second time.
+  void oneEnterShowsOneBox() {
+    QFETCH(QStringList, entries);
+    QFETCH(bool, decimal);
+    QFETCH(QString, title);
+    IsolatedUser user;
+    SaveSetting(QStringLiteral("Grad_Dezimal"),
+                decimal ? QStringLiteral("True") : QStringLiteral("False"));
+    Program program;
+    frmMain* w = program.window();
+    QVERIFY(QTest::qWaitForWindowActive(w));
+    const QList<QLineEdit*> fields{w->tbMyLoc,    w->tbMyLg,    w->tbMyBr,
+                                   w->tbFremdLoc, w->tbFremdLg, w->tbFremdBr};
+    for (int i = 0; i < fields.size(); ++i) fields[i]->setText(entries[i]);
+    w->tbFremdLoc->setFocus();
+    RealBoxes boxes;
+    QTest::keyClick(w->tbFremdLoc, Qt::Key_Return);
+    QTest::qWait(150);  // a second box would come up within this
+    QCOMPARE(boxes.titles(), QStringList{title});
+  }
+
+  void programTextsShowWhole_data() {
+    QTest::addColumn<bool>("decimal");
+    QTest::addColumn<bool>("tenCharacters");
+    QTest::addColumn<int>("points");  // 0: the default font
+    for (int points : {0, 11}) {
+      for (bool decimal : {true, false}) {
+        for (bool ten : {false, true}) {
+          QTest::addRow("%s, %d characters, %s", decimal ? "decimal" : "degrees", ten ? 10 : 6,
+                        points ? "11 pt" : "default font")
+              << decimal << ten << points;
+        }
+      }
+    }
+  }
+  // Regression: the fields showed the end of long coordinates ("2,5199652777778") and not
+  // their degrees, and were narrower than the texts written into them.
+  void programTextsShowWhole() {
+    QFETCH(bool, decimal);
+    QFETCH(bool, tenCharacters);
+    QFETCH(int, points);
+    AppFont font(points);
+    IsolatedUser user;
+    SaveSetting(QStringLiteral("Grad_Dezimal"),
+                decimal ? QStringLiteral("True") : QStringLiteral("False"));
+    SaveSetting(QStringLiteral("Loc10st"),
+                tenCharacters ? QStringLiteral("True") : QStringLiteral("False"));
+    Program program;
+    frmMain* w = program.window();
+    MsgBoxRecorder boxes;
+    // Typed coordinates come back through a locator: long fractions on both sides, and
+    // negative ones in the west and south.
+    w->tbMyLg->setText(QStringLiteral("13,4"));
+    w->tbMyBr->setText(QStringLiteral("52,52"));
+    w->tbFremdLg->setText(QStringLiteral("-123,4567"));
+    w->tbFremdBr->setText(QStringLiteral("-45,6789"));
+    if (!decimal) {
+      w->tbMyLg->setText(QStringLiteral("13°24'0\""));
+      w->tbMyBr->setText(QStringLiteral("52°31'12,5\""));
+      w->tbFremdLg->setText(QStringLiteral("-123°27'24,1\""));
+      w->tbFremdBr->setText(QStringLiteral("-45°40'44,1\""));
+    }
+    w->tbMyLoc->clear();
+    w->tbFremdLoc->clear();
+    w->Compute();  // route B fills both locators from the typed coordinates
+    w->tbMyLg->clear();
+    w->Compute();  // route A: both locators rule and write all four coordinates
+    QCOMPARE(boxes.count(), 0);
+    QCOMPARE(w->tbMyLoc->text().size(), tenCharacters ? 10 : 6);
+    QStringList hidden;
+    for (QLineEdit* field :
+         {w->tbMyLoc, w->tbFremdLoc, w->tbMyLg, w->tbMyBr, w->tbFremdLg, w->tbFremdBr}) {
+      const QString part = hiddenPart(field);
+      if (!part.isEmpty())
+        hidden << field->objectName() + QStringLiteral(" \"") + field->text() +
+                      QStringLiteral("\": ") + part;
+    }
+    QVERIFY2(hidden.isEmpty(), qPrintable(hidden.join(QStringLiteral("; "))));
+    // The window has grown with the fields.
+    QVERIFY(w->width() >= w->tbFremdBr->geometry().right() + 1);
+  }
+
+  void minimisedCaptionFollowsTheFix() {
+    IsolatedUser user;
+    Program program;
+    frmMain* w = program.window();
+    program.state().GpsStatus = QStringLiteral("GPS an");
+    w->showMinimized();
+    QCoreApplication::processEvents();
+    w->tbMyLoc->setText(QStringLiteral("JO62QN"));
+    QCOMPARE(w->windowTitle(), QStringLiteral("JO62QN"));
+    program.state().GpsStatus = QStringLiteral("GPS aus");
+    w->tbMyLoc->setText(QStringLiteral("JO62QO"));
+    QCOMPARE(w->windowTitle(), QStringLiteral("JO62QN"));
+  }
+
+  void gpsMessagesAndPortReadWhole_data() {
+    QTest::addColumn<int>("points");  // 0: the default font
+    QTest::newRow("default font") << 0;
+    QTest::newRow("11 pt") << 11;
+  }
+  // Regression: the info line cut both ends of a GPS message, panel 1 a device path.
+  void gpsMessagesAndPortReadWhole() {
+    QFETCH(int, points);
+    AppFont font(points);
+    IsolatedUser user;
+    Program program;
+    frmMain* w = program.window();
+    const QString message =
+        QStringLiteral("1. Versuch/6 : Das Gerät /dev/ttyUSB0 (Com9) ist nicht vorhanden.");
+    w->lbInfo->setText(message);
+    const QRect room = w->lbInfo->contentsRect();
+    const int flags = int(w->lbInfo->alignment()) | (w->lbInfo->wordWrap() ? Qt::TextWordWrap : 0);
+    const QRect used = w->lbInfo->fontMetrics().boundingRect(room, flags, message);
+    QVERIFY2(room.contains(used), qPrintable(QStringLiteral("%1x%2 in %3x%4")
+                                                 .arg(used.width())
+                                                 .arg(used.height())
+                                                 .arg(room.width())
+                                                 .arg(room.height())));
+    QHelpEvent tip(QEvent::ToolTip, QPoint(2, 2), w->lbInfo->mapToGlobal(QPoint(2, 2)));
+    QCoreApplication::sendEvent(w->lbInfo, &tip);
+    QCOMPARE(w->lbInfo->toolTip(), message);
+
+    program.state().ComPort = QStringLiteral("/dev/ttyUSB0");
+    program.state().GpsStatus = QStringLiteral("GPS an");
+    w->Form_Resize();
+    QCOMPARE(w->Panel1->text(), QStringLiteral("Status: GPS an (Com9)"));
+  }
+
+  void qtTextsAreGerman() {
+    IsolatedUser user;
+    Program program;
+    QCOMPARE(QKeySequence(Qt::CTRL | Qt::Key_N).toString(QKeySequence::NativeText),
+             QStringLiteral("Strg+N"));
+    std::unique_ptr<QMenu> menu(program.window()->tbFremdLoc->createStandardContextMenu());
+    QStringList items;
+    for (QAction* a : menu->actions()) items << a->text().remove(u'&').section(u'\t', 0, 0);
+    QVERIFY2(items.contains(QStringLiteral("Rückgängig")), qPrintable(items.join(u',')));
+  }
+
+  // Regression: the field's length limit cut a longer stored home locator to 10 characters,
+  // which was then computed as if valid.
+  void overlongHomeLocatorIsRefusedWhole() {
+    IsolatedUser user;
+    SaveSetting(QStringLiteral("MyHomeLoc"), QStringLiteral("JO62QM84AT12"));
+    Program program;
+    frmMain* w = program.window();
+    QVERIFY(QTest::qWaitForWindowActive(w));
+    QCOMPARE(w->tbMyLoc->text(), QStringLiteral("JO62QM84AT12"));
+    MsgBoxRecorder boxes;
+    w->tbFremdLoc->setFocus();
+    QTest::keyClicks(w->tbFremdLoc, QStringLiteral("JO31NK12AB34"));
+    QCOMPARE(w->tbFremdLoc->text(), QStringLiteral("JO31NK12AB"));  // typing stops at 10
+    QTest::keyClick(w->tbFremdLoc, Qt::Key_Return);
+    QCOMPARE(boxes.count(), 1);
+    QCOMPARE(boxes.last().title, QStringLiteral(" Falsche Eingabe !"));
+    QCOMPARE(boxes.last().prompt, QStringLiteral("JO62QM84AT12"));
   }
 
   void newClearsTheFieldsButTheHomeLocator() {

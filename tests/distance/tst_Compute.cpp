@@ -124,6 +124,7 @@ class tst_Compute : public QObject {
   void typedCoordinatesThroughLocator();
   void gpsLog();
   void oldLocatorStaysAsTyped();
+  void zeroIsAPosition();
 };
 
 // A fresh start with two locators, then the user edits one thing after another.
@@ -334,6 +335,32 @@ void tst_Compute::oldLocatorStaysAsTyped() {
   w.command.Compute();
   QCOMPARE(rec.count(), 0);
   QCOMPARE(w.texts().mid(3), QStringList({"EK74H", "8,63333333333333", "50,1041666666667"}));
+}
+
+// Regression: a longitude of exactly 0 counted as "not known yet", so the own position of
+// JO00AA00AA was read again from the empty coordinate fields: (0, 0) in decimal form, a
+// refusal box in degree form.
+void tst_Compute::zeroIsAPosition() {
+  const struct {
+    bool gradDezimal;
+    QStringList own;
+  } cases[] = {
+      {true, {"JO00AA00AA", "0", "50"}},
+      {false, {"JO00AA00AA", " 0° 0' 0\"", " 50° 0' 0\""}},
+  };
+  for (const auto& c : cases) {
+    Window w(c.gradDezimal);
+    MsgBoxRecorder rec;
+    w.state.Loc10st = true;
+    // Both on the prime meridian, ten degrees of latitude apart: due south, a ninth of a
+    // quadrant of the sphere.
+    w.type({"JO00AA00AA", "", "", "JN00AA00AA", "", ""});
+    w.command.Compute();
+    QCOMPARE(rec.count(), 0);
+    QCOMPARE(w.texts().mid(0, 3), c.own);
+    QCOMPARE(w.lblEntfernung->text(), QString(" 1111,95 km"));
+    QCOMPARE(w.lblRichtung->text(), QString("180,0 °"));
+  }
 }
 
 QTEST_MAIN(tst_Compute)
