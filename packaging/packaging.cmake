@@ -46,8 +46,10 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_PACKAGE_SECTION hamradio)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# The window needs a platform plug-in, which no library dependency pulls in.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins")
+# The window needs a platform plug-in, which no library dependency pulls in. libgps reads
+# gpsd's replies; gpsd itself may run on another machine, so it is only suggested.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins, libgps28")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "gpsd")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "evince | okular | atril | mupdf | xdg-utils")
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "https://localhost/marvento")
 include(CPack)
