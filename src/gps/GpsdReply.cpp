@@ -1,5 +1,8 @@
 #include "gps/GpsdReply.h"
 
+#include <QJsonDocument>
+#include <QJsonParseError>
+
 #include <gps.h>
 
 #include <cmath>
@@ -56,9 +59,13 @@ GpsdFix fixOf(const gps_data_t& data) {
 
 GpsdReply ReadGpsdReply(QByteArrayView line) {
   GpsdReply reply;
-  // libgps takes what stands before a cut as read; gpsd ends every reply with its brace.
+  // libgps 3.22 loops for ever on some malformed text, such as {"a":"""class":"WATCH"}, and
+  // takes what stands before a cut as read: only one well-formed JSON object reaches it.
   line = line.trimmed();
   if (!line.startsWith('{') || !line.endsWith('}')) return reply;
+  QJsonParseError error;
+  const QJsonDocument document = QJsonDocument::fromJson(line.toByteArray(), &error);
+  if (error.error != QJsonParseError::NoError || !document.isObject()) return reply;
   // gps_unpack wants a writable text with its end mark; the structure is large, so it lives
   // on the heap.
   QByteArray text(line.data(), line.size());
