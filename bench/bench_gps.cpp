@@ -29,10 +29,10 @@
 namespace marvento {
 namespace {
 
-const QByteArray kGga = "$GPGGA,123519.00,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n";
+const QByteArray kGga = "$GPGGA,123519.00,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*69\r\n";
 const QByteArray kGsa = "$GPGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1*39\r\n";
 const QByteArray kGsv = "$GPGSV,2,1,08,01,40,083,46,02,17,308,41,12,07,344,39,14,22,228,45*75\r\n";
-const QByteArray kRmc = "$GPRMC,123519.00,A,4807.038,N,01131.000,E,022.4,084.4,230394,,*6A\r\n";
+const QByteArray kRmc = "$GPRMC,123519.00,A,4807.038,N,01131.000,E,022.4,084.4,230394,,*3F\r\n";
 
 // Widgets need an application; the port map needs a settings folder of its own.
 void ensureApplication() {

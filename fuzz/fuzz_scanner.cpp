@@ -1,14 +1,22 @@
 // The sentence detection of the serial exchange, fed a receive stream cut into chunks of
-// random lengths: where the cuts fall must not change what is found.
+// random lengths: where the cuts fall must not change what is found, and what is found is
+// the first intact sentence of a known type, whatever its talker.
 #include "FuzzSupport.h"
-#include "gps/GpsOpenPort.h"
+#include "gps/NmeaSentences.h"
+#include "gps/SentenceScanner.h"
 
 using namespace marvento;
 using marvento::fuzz::Check;
 
 namespace {
 
-const QString kNames[] = {QStringLiteral("$GPGGA"), QStringLiteral("$GPRMC"), QStringLiteral("$GPGLL")};
+// The type of the sentence that begins at `at`, which runs up to the next "$".
+const SentenceType* typeAt(QStringView stream, qsizetype at, QStringView& sentence) {
+  const qsizetype next = stream.indexOf(u'$', at + 1);
+  sentence = next < 0 ? stream.mid(at) : stream.mid(at, next - at);
+  const qsizetype comma = sentence.indexOf(u',');
+  return comma < 0 ? nullptr : TypeOfAddress(sentence.left(comma));
+}
 
 }  // namespace
 
@@ -33,11 +41,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     taken += length;
     if (step == SentenceScanner::Step::Found) break;
   }
-  Check(chunked.received() == stream.left(taken), "the receive text is the chunks in order", stream);
+  Check(chunked.received() == stream.left(taken), "the receive text is the chunks in order",
+        stream);
 
   if (step != SentenceScanner::Step::Found) {
-    Check(wholeStep != SentenceScanner::Step::Found, "chunks find what the whole text finds", stream);
-    Check(step == wholeStep || stream.isEmpty(), "chunks end in the state of the whole text", stream);
+    Check(wholeStep != SentenceScanner::Step::Found, "chunks find what the whole text finds",
+          stream);
+    Check(step == wholeStep || stream.isEmpty(), "chunks end in the state of the whole text",
+          stream);
     return 0;
   }
   Check(wholeStep == SentenceScanner::Step::Found, "the whole text finds what chunks find", stream);
@@ -45,18 +56,27 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         chunked.sentence() + QStringLiteral(" / ") + whole.sentence());
 
   const QString& s = chunked.sentence();
-  bool named = false;
-  for (const QString& name : kNames) named = named || s.startsWith(name);
-  Check(named, "a found sentence begins with a known name", s);
-  Check(!QStringView(s).mid(1).contains(u"$G"), "a found sentence ends before the next one", s);
-  // No known sentence begins earlier in the stream.
+  QStringView found;
+  const SentenceType* type = typeAt(s, 0, found);
+  Check(type != nullptr, "a found sentence begins with a known address of any talker", s);
+  Check(!QStringView(s).mid(1).contains(u'$'), "a found sentence ends before the next one", s);
+  Check(ChecksumRight(s), "a found sentence has no wrong checksum", s);
+  Check(type == nullptr || s.count(u',') + 1 >= type->leastFields,
+        "a found sentence has the fields of its type", s);
+  Check(HoldsSentenceStart(stream), "a stream with a sentence holds a sentence start", stream);
+  // Every known sentence that begins earlier in the stream was refused.
   const qsizetype at = stream.indexOf(s);
-  for (const QString& name : kNames) {
-    const qsizetype pos = stream.indexOf(name);
-    Check(pos < 0 || pos >= at, "the first known sentence is taken", stream);
+  for (qsizetype p = stream.indexOf(u'$'); p >= 0 && p < at; p = stream.indexOf(u'$', p + 1)) {
+    QStringView earlier;
+    const SentenceType* earlierType = typeAt(stream, p, earlier);
+    Check(earlierType == nullptr || !ChecksumRight(earlier) ||
+              earlier.count(u',') + 1 < earlierType->leastFields,
+          "the first intact known sentence is taken", stream);
   }
-  const bool hasRmc = chunked.received().contains(u"$GPRMC");
-  Check(chunked.rawBuffer() == (hasRmc ? chunked.received() : QString()),
-        "the raw buffer is kept when it holds an RMC sentence", stream);
+  const QString raw = chunked.rawBuffer();
+  Check(raw.isEmpty() || raw == chunked.received(), "the raw buffer is all or nothing", stream);
+  if (type != nullptr && type->kind == SentenceKind::Rmc) {
+    Check(raw == chunked.received(), "the raw buffer is kept behind an RMC sentence", stream);
+  }
   return 0;
 }

@@ -2,8 +2,9 @@
 // decoded on its own, and the sentence the exchange would pick is decoded with the text.
 #include "FuzzSupport.h"
 #include "distance/Coordinates.h"
-#include "gps/GpsOpenPort.h"
+#include "gps/NmeaSentences.h"
 #include "gps/SentenceDecoding.h"
+#include "gps/SentenceScanner.h"
 
 #include <cmath>
 
@@ -14,17 +15,19 @@ namespace {
 
 void decode(const QString& sentence, const QString& rawBuffer) {
   const DecodedSentence d = DecodeSentence(sentence, rawBuffer);
-  const QStringView name = QStringView(sentence).left(6);
-  const SentenceKind expected = name == u"$GPGGA"   ? SentenceKind::Gga
-                                : name == u"$GPRMC" ? SentenceKind::Rmc
-                                : name == u"$GPGLL" ? SentenceKind::Gll
-                                                    : SentenceKind::Other;
-  // Only the name itself, ended by a comma or the text's end, makes a known type.
-  if (expected != SentenceKind::Other && sentence.size() > 6 && sentence[6] != u',') {
-    Check(d.kind == SentenceKind::Other, "a longer name is no known type", sentence);
-  } else {
-    Check(d.kind == expected, "the name decides the type", sentence);
-  }
+  // "$", two capital letters of any talker and the type's name make the address; only the
+  // address itself, ended by a comma or the text's end, makes a known type.
+  const QString address = sentence.section(u',', 0, 0);
+  const QStringView name = QStringView(address).mid(3);
+  const bool talker = address.size() == 6 && address[0] == u'$' && address[1] >= u'A' &&
+                      address[1] <= u'Z' && address[2] >= u'A' && address[2] <= u'Z';
+  SentenceKind expected = !talker          ? SentenceKind::Other
+                          : name == u"GGA" ? SentenceKind::Gga
+                          : name == u"RMC" ? SentenceKind::Rmc
+                          : name == u"GLL" ? SentenceKind::Gll
+                                           : SentenceKind::Other;
+  if (!ChecksumRight(sentence)) expected = SentenceKind::Other;
+  Check(d.kind == expected, "the address and the checksum decide the type", sentence);
   if (!d.timeAndPosition) Check(!d.positionGood, "no position without decoding", sentence);
   (void)d.hasTime();
   (void)d.finalInfo();
@@ -66,7 +69,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (scanner.add(received) == SentenceScanner::Step::Found) {
     decode(scanner.sentence(), scanner.rawBuffer());
     const QString rmc = FindRmcLine(scanner.rawBuffer());
-    if (!rmc.isEmpty()) Check(rmc.startsWith(u"$GPRMC"), "the RMC line begins with its name", rmc);
+    if (!rmc.isEmpty()) {
+      const QString rmcAddress = rmc.section(u',', 0, 0);
+      Check(rmcAddress.size() == 6 && rmcAddress.startsWith(u'$') && rmcAddress.endsWith(u"RMC"),
+            "the RMC line begins with an RMC address", rmc);
+      Check(ChecksumRight(rmc), "the RMC line has no wrong checksum", rmc);
+    }
   }
   return 0;
 }

@@ -47,8 +47,10 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_PACKAGE_SECTION hamradio)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # The window needs a platform plug-in, which no library dependency pulls in; Qt's own texts
-# (context menus, key names) come in German from the translations.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins, qt6-translations-l10n")
+# (context menus, key names) come in German from the translations. libgps reads gpsd's
+# replies; gpsd itself may run on another machine, so it is only suggested.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins, qt6-translations-l10n, libgps28")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "gpsd")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "evince | okular | atril | mupdf | xdg-utils")
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "https://localhost/marvento")
 include(CPack)

@@ -54,6 +54,71 @@ GllSentence ParseGll(const NmeaFields& fields) {
   return gll;
 }
 
+namespace {
+
+bool isCapital(QChar c) {
+  return c >= u'A' && c <= u'Z';
+}
+
+int hexDigit(QChar c) {
+  if (c >= u'0' && c <= u'9') return c.unicode() - u'0';
+  if (c >= u'A' && c <= u'F') return c.unicode() - u'A' + 10;
+  if (c >= u'a' && c <= u'f') return c.unicode() - u'a' + 10;
+  return -1;
+}
+
+}  // namespace
+
+const std::array<SentenceType, 3> kSentenceTypes = {{
+    {SentenceKind::Gga, u"GGA", 7,
+     [](const NmeaFields& f) -> ParsedSentence { return ParseGga(f); }},
+    {SentenceKind::Rmc, u"RMC", 7,
+     [](const NmeaFields& f) -> ParsedSentence { return ParseRmc(f); }},
+    {SentenceKind::Gll, u"GLL", 5,
+     [](const NmeaFields& f) -> ParsedSentence { return ParseGll(f); }},
+}};
+
+const SentenceType* TypeOfAddress(QStringView address) {
+  if (address.size() != 6 || address[0] != u'$' || !isCapital(address[1]) ||
+      !isCapital(address[2])) {
+    return nullptr;
+  }
+  for (const SentenceType& type : kSentenceTypes) {
+    if (address.mid(3) == type.name) return &type;
+  }
+  return nullptr;
+}
+
+bool ChecksumRight(QStringView sentence) {
+  const qsizetype star = sentence.indexOf(u'*');
+  if (star < 0) return true;
+  if (star + 2 >= sentence.size()) return false;
+  const int high = hexDigit(sentence[star + 1]);
+  const int low = hexDigit(sentence[star + 2]);
+  if (high < 0 || low < 0) return false;
+  char16_t sum = 0;
+  for (const QChar c : sentence.mid(1, star - 1)) sum ^= c.unicode();
+  return sum == high * 16 + low;
+}
+
+SentenceSearch FindKnownSentence(QStringView text, SentenceKind only) {
+  using Result = SentenceSearch::Result;
+  for (qsizetype start = text.indexOf(u'$'); start >= 0;) {
+    const qsizetype next = text.indexOf(u'$', start + 1);
+    const QStringView sentence = next < 0 ? text.mid(start) : text.mid(start, next - start);
+    const qsizetype comma = sentence.indexOf(u',');
+    const SentenceType* type = comma < 0 ? nullptr : TypeOfAddress(sentence.left(comma));
+    if (type && (only == SentenceKind::Other || type->kind == only)) {
+      if (next < 0) return {Result::Incomplete, start, 0};
+      if (sentence.count(u',') + 1 >= type->leastFields && ChecksumRight(sentence)) {
+        return {Result::Found, start, sentence.size()};
+      }
+    }
+    start = next;
+  }
+  return {};
+}
+
 bool RmcValid(const RmcSentence& rmc) {
   return !rmc.status || *rmc.status == u"A";
 }

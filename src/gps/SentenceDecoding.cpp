@@ -4,6 +4,7 @@
 #include "platform/Numbers.h"
 
 #include <cmath>
+#include <variant>
 
 namespace marvento {
 
@@ -34,74 +35,79 @@ QString formatSats(const QString& sats) {
 }  // namespace
 
 QString FindRmcLine(const QString& rawBuffer) {
-  const qsizetype start = rawBuffer.indexOf(u"$GPRMC");
-  if (start < 0) return {};
-  const qsizetype next = rawBuffer.indexOf(u"$G", start + 1);
-  if (next < 0) return {};
-  return rawBuffer.mid(start, next - start);
+  const SentenceSearch rmc = FindKnownSentence(rawBuffer, SentenceKind::Rmc);
+  if (rmc.result != SentenceSearch::Result::Found) return {};
+  return rawBuffer.mid(rmc.start, rmc.length);
 }
+
+namespace {
+
+// The position fields of the ruling sentence, as they stand.
+struct PositionFields {
+  QString lat;
+  QString ns;
+  QString lon;
+  QString ew;
+};
+
+// Each type's own steps. They fill in what the type yields and return its position fields
+// when decoding goes on to time and position.
+std::optional<PositionFields> typeSteps(const GgaSentence& gga, DecodedSentence& d) {
+  const QString sats = formatSats(gga.sats);
+  if (Val(gga.quality) <= 0) {
+    if (Val(sats) < 3) {
+      d.info = QStringLiteral("Zu geringe Anzahl an Satteliten! (") + sats + u')';
+    } else {
+      // The field's own text, not the formatted count: "(07)".
+      d.info = QStringLiteral("Schlechter Empfang! (") + gga.sats + u')';
+    }
+    return std::nullopt;
+  }
+  d.utcText = gga.utc;
+  d.heightSample = HeightSampleTexts{gga.alt, gga.altUnit, sats};
+  const QString altText = Format(Val(gga.alt)) + u' ' + gga.altUnit.toLower();
+  d.info = HeightLine(altText, sats);
+  return PositionFields{gga.lat, gga.ns, gga.lon, gga.ew};
+}
+
+std::optional<PositionFields> typeSteps(const RmcSentence& rmc, DecodedSentence& d) {
+  if (!RmcValid(rmc)) return std::nullopt;
+  d.utcText = rmc.utc;
+  d.kursText = speedAndCourse(rmc);
+  return PositionFields{rmc.lat, rmc.ns, rmc.lon, rmc.ew};
+}
+
+std::optional<PositionFields> typeSteps(const GllSentence& gll, DecodedSentence& d) {
+  d.info = QString();
+  if (!GllValid(gll)) return std::nullopt;
+  d.utcText = gll.utc;
+  return PositionFields{gll.lat, gll.ns, gll.lon, gll.ew};
+}
+
+}  // namespace
 
 DecodedSentence DecodeSentence(const QString& sentence, const QString& rawBuffer) {
   DecodedSentence d;
   const NmeaFields fields(sentence);
-  QString name;
-  fields.read(0, name);
+  QString address;
+  fields.read(0, address);
   d.rmcLine = FindRmcLine(rawBuffer);
 
-  QString latText, nsText, lonText, ewText;
-  if (name == u"$GPGGA") {
-    d.kind = SentenceKind::Gga;
-    const GgaSentence gga = ParseGga(fields);
-    if (Val(gga.quality) > 0) {
-      d.utcText = gga.utc;
-      latText = gga.lat;
-      nsText = gga.ns;
-      lonText = gga.lon;
-      ewText = gga.ew;
-      const QString sats = formatSats(gga.sats);
-      d.heightSample = HeightSampleTexts{gga.alt, gga.altUnit, sats};
-      const QString altText = Format(Val(gga.alt)) + u' ' + gga.altUnit.toLower();
-      d.info = HeightLine(altText, sats);
-    } else {
-      const QString sats = formatSats(gga.sats);
-      if (Val(sats) < 3) {
-        d.info = QStringLiteral("Zu geringe Anzahl an Satteliten! (") + sats + u')';
-      } else {
-        // The field's own text, not the formatted count: "(07)".
-        d.info = QStringLiteral("Schlechter Empfang! (") + gga.sats + u')';
-      }
-      return d;
-    }
-  } else if (name == u"$GPRMC") {
-    d.kind = SentenceKind::Rmc;
-    const RmcSentence rmc = ParseRmc(fields);
-    if (!RmcValid(rmc)) return d;
-    d.utcText = rmc.utc;
-    latText = rmc.lat;
-    nsText = rmc.ns;
-    lonText = rmc.lon;
-    ewText = rmc.ew;
-    d.kursText = speedAndCourse(rmc);
-  } else if (name == u"$GPGLL") {
-    d.kind = SentenceKind::Gll;
-    const GllSentence gll = ParseGll(fields);
-    d.info = QString();
-    if (!GllValid(gll)) return d;
-    latText = gll.lat;
-    nsText = gll.ns;
-    lonText = gll.lon;
-    ewText = gll.ew;
-    d.utcText = gll.utc;
-  } else {
+  const SentenceType* type = TypeOfAddress(address);
+  if (type == nullptr || !ChecksumRight(sentence)) {
     d.info = QString();
     return d;
   }
+  d.kind = type->kind;
+  const std::optional<PositionFields> position =
+      std::visit([&d](const auto& parsed) { return typeSteps(parsed, d); }, type->parse(fields));
+  if (!position) return d;
 
   d.timeAndPosition = true;
-  d.lat = DecodeLatitude(latText);
-  d.latSign = nsText == u"N" ? QStringLiteral(" ") : QStringLiteral("-");
-  d.lon = DecodeLongitude(lonText);
-  d.lonSign = ewText == u"E" ? QStringLiteral(" ") : QStringLiteral("-");
+  d.lat = DecodeLatitude(position->lat);
+  d.latSign = position->ns == u"N" ? QStringLiteral(" ") : QStringLiteral("-");
+  d.lon = DecodeLongitude(position->lon);
+  d.lonSign = position->ew == u"E" ? QStringLiteral(" ") : QStringLiteral("-");
   d.positionGood = inRange(d.lon.deg, d.lat.deg);
 
   if (d.kind != SentenceKind::Rmc && !d.rmcLine.isEmpty()) {

@@ -11,8 +11,6 @@ namespace marvento {
 inline const QString kBadPositionText =
     QStringLiteral("Schlechter Empfang oder zu geringe Anzahl an Satteliten !");
 
-enum class SentenceKind { Other, Gga, Rmc, Gll };
-
 // What the height table is given for a GGA sentence with a fix: the height and unit fields
 // as they stand, the satellite count in "#0".
 struct HeightSampleTexts {
@@ -50,12 +48,13 @@ struct DecodedSentence {
   QString brText(bool gradDezimal) const;
 };
 
-// Decodes the ruling sentence of a poll. `rawBuffer` is the whole receive text when it held
-// an RMC sentence (for speed and course behind a GGA or GLL), else empty.
+// Decodes the ruling sentence of a poll by its type, whatever its talker. `rawBuffer` is the
+// whole receive text when it held an RMC sentence (for speed and course behind a GGA or GLL),
+// else empty. A sentence with a wrong checksum is of no known type.
 DecodedSentence DecodeSentence(const QString& sentence, const QString& rawBuffer);
 
-// The RMC sentence out of the receive text: from "$GPRMC" up to the next "$G", or empty when
-// either is missing.
+// The first intact RMC sentence of any talker out of the receive text, up to the "$" of the
+// next sentence; empty when there is none or it has not ended.
 QString FindRmcLine(const QString& rawBuffer);
 
 // The dummy remote station written when tbFremdLoc is empty: the south-west corner of the

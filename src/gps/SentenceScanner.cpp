@@ -1,23 +1,35 @@
 #include "gps/SentenceScanner.h"
 
+#include "gps/NmeaSentences.h"
+
 namespace marvento {
 
-SentenceScanner::Step SentenceScanner::add(const QString& chunk) {
+SentenceScanner::Step SentenceScanner::add(QStringView chunk) {
   m_received += chunk;
-  qsizetype first = -1;
-  for (const auto name : {u"$GPGGA", u"$GPRMC", u"$GPGLL"}) {
-    const qsizetype pos = m_received.indexOf(QStringView(name));
-    if (pos >= 0 && (first < 0 || pos < first)) first = pos;
+  const SentenceSearch found = FindKnownSentence(m_received);
+  switch (found.result) {
+    case SentenceSearch::Result::None: return Step::NoKnownType;
+    case SentenceSearch::Result::Incomplete: return Step::Incomplete;
+    case SentenceSearch::Result::Found: break;
   }
-  if (first < 0) return Step::NoKnownType;
-  const qsizetype next = m_received.indexOf(u"$G", first + 1);
-  if (next < 0) return Step::Incomplete;
-  m_sentence = m_received.mid(first, next - first);
+  m_sentence = m_received.mid(found.start, found.length);
   return Step::Found;
 }
 
 QString SentenceScanner::rawBuffer() const {
-  return m_received.contains(u"$GPRMC") ? m_received : QString();
+  const bool holdsRmc =
+      FindKnownSentence(m_received, SentenceKind::Rmc).result != SentenceSearch::Result::None;
+  return holdsRmc ? m_received : QString();
+}
+
+bool HoldsSentenceStart(QStringView chunk) {
+  for (qsizetype at = chunk.indexOf(u'$'); at >= 0 && at + 2 < chunk.size();
+       at = chunk.indexOf(u'$', at + 1)) {
+    const QChar first = chunk[at + 1];
+    const QChar second = chunk[at + 2];
+    if (first >= u'A' && first <= u'Z' && second >= u'A' && second <= u'Z') return true;
+  }
+  return false;
 }
 
 }  // namespace marvento

@@ -37,35 +37,39 @@ TEST(SentenceDecoding, InfoLineCourseAndHowFarDecodingGoes) {
   const InfoCase cases[] = {
       {"good GGA", "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n", "",
        SK::Gga, "GPS - Antennenhöhe: 545,4 m ü. NN (8)", true, true, ""},
-      {"GGA no fix, two sats formatted", "$GPGGA,123519,,,,,0,02,,,,,,,*47\r\n", "", SK::Gga,
+      {"GGA no fix, two sats formatted", "$GPGGA,123519,,,,,0,02,,,,,,,*69\r\n", "", SK::Gga,
        "Zu geringe Anzahl an Satteliten! (2)", false, false, ""},
-      {"GGA no fix, three sats are enough, field text kept", "$GPGGA,123519,,,,,0,03,,,,,,,*47\r\n",
+      {"GGA no fix, three sats are enough, field text kept", "$GPGGA,123519,,,,,0,03,,,,,,,*68\r\n",
        "", SK::Gga, "Schlechter Empfang! (03)", false, false, ""},
-      {"GGA fix, empty position", "$GPGGA,123519,,,,,1,05,,12.0,M,,,,*47\r\n", "", SK::Gga, kBad,
+      {"GGA fix, empty position", "$GPGGA,123519,,,,,1,05,,12.0,M,,,,*3F\r\n", "", SK::Gga, kBad,
        true, false, ""},
-      {"GGA no fix skips the RMC line", "$GPGGA,123519,,,,,0,07,,,,,,,*47\r\n",
-       "$GPGGA,123519,,,,,0,07,,,,,,,*47\r\n$GPRMC,123519,A,4807.038,N,01131.000,E,12.5,84.4,,,*6A"
+      {"GGA no fix skips the RMC line", "$GPGGA,123519,,,,,0,07,,,,,,,*6C\r\n",
+       "$GPGGA,123519,,,,,0,07,,,,,,,*6C\r\n$GPRMC,123519,A,4807.038,N,01131.000,E,12.5,84.4,,,*1C"
        "\r\n$GPGLL",
        SK::Gga, "Schlechter Empfang! (07)", false, false, ""},
-      {"RMC status V", "$GPRMC,123519,V,4807.038,N,01131.000,E,022.4,084.4,230394,,*6A\r\n", "",
+      {"RMC status V", "$GPRMC,123519,V,4807.038,N,01131.000,E,022.4,084.4,230394,,*06\r\n", "",
        SK::Rmc, kNoChange, false, false, ""},
       {"RMC valid", "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A\r\n", "",
        SK::Rmc, kNoChange, true, true, "GPS - Geschwindigkeit: 22,4 Kn  Kurs: 84,4 °"},
       {"RMC speed 0 clears the course line",
-       "$GPRMC,123519,A,4807.038,N,01131.000,E,0.0,084.4,230394,003.1,W*6A\r\n", "", SK::Rmc,
+       "$GPRMC,123519,A,4807.038,N,01131.000,E,0.0,084.4,230394,003.1,W*6E\r\n", "", SK::Rmc,
        kNoChange, true, true, " "},
       {"RMC without status field passes the test", "$GPRMC,123519", "", SK::Rmc, kBad, true, false,
        " "},
-      {"GLL status with checksum", "$GPGLL,4916.45,N,12311.12,W,225444,A*1D\r\n", "", SK::Gll, "",
+      {"GLL status with checksum", "$GPGLL,4916.45,N,12311.12,W,225444,A*31\r\n", "", SK::Gll, "",
        true, true, ""},
-      {"GLL with an RMC behind it", "$GPGLL,4916.45,N,12311.12,W,225444,A*1D\r\n",
-       "$GPGLL,4916.45,N,12311.12,W,225444,A*1D\r\n$GPRMC,225444,A,4916.45,N,12311.12,W,"
-       "1234.125,359.99,,,*00\r\n$GPGSA",
+      {"GLL with an RMC behind it", "$GPGLL,4916.45,N,12311.12,W,225444,A*31\r\n",
+       "$GPGLL,4916.45,N,12311.12,W,225444,A*31\r\n$GPRMC,225444,A,4916.45,N,12311.12,W,"
+       "1234.125,359.99,,,*0B\r\n$GPGSA",
        SK::Gll, "", true, true, "GPS - Geschwindigkeit: 1234,125 Kn  Kurs: 359,99 °"},
-      {"longitude 0 is refused", "$GPGLL,4916.45,N,00000.0000,E,225444,A*1D\r\n", "", SK::Gll, kBad,
+      {"longitude 0 is refused", "$GPGLL,4916.45,N,00000.0000,E,225444,A*20\r\n", "", SK::Gll, kBad,
        true, false, ""},
-      {"other talker", "$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M*47", "", SK::Other,
-       "", false, false, ""},
+      {"GGA of another talker with an RMC behind it",
+       "$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59\r\n",
+       "$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59\r\n"
+       "$GNRMC,225444,A,4916.45,N,12311.12,W,1234.125,359.99,,,*15\r\n$GNGLL",
+       SK::Gga, "GPS - Antennenhöhe: 545,4 m ü. NN (8)", true, true,
+       "GPS - Geschwindigkeit: 1234,125 Kn  Kurs: 359,99 °"},
   };
   for (const InfoCase& c : cases) {
     SCOPED_TRACE(c.name);
@@ -89,11 +93,11 @@ struct PositionCase {
 
 TEST(SentenceDecoding, PositionTextsInBothForms) {
   const PositionCase cases[] = {
-      {"leading zeros", "$GPGLL,0807.038,N,00807.038,E,225444,A*1D", " 08° 07' 2,28\"",
+      {"leading zeros", "$GPGLL,0807.038,N,00807.038,E,225444,A*2B", " 08° 07' 2,28\"",
        " 8° 07' 2,28\"", " 8,1173", " 8,1173"},
-      {"south and west", "$GPGLL,4916.45,S,12311.12,W,225444,A*1D", "-49° 16' 27,0\"",
+      {"south and west", "$GPGLL,4916.45,S,12311.12,W,225444,A*2C", "-49° 16' 27,0\"",
        "-123° 11' 7,2\"", "-49,2741666666667", "-123,185333333333"},
-      {"lower-case hemisphere counts as south", "$GPGLL,4916.45,n,12311.12,e,225444,A*1D",
+      {"lower-case hemisphere counts as south", "$GPGLL,4916.45,n,12311.12,e,225444,A*23",
        "-49° 16' 27,0\"", "-123° 11' 7,2\"", "-49,2741666666667", "-123,185333333333"},
       {"seconds round up to 60 without carrying", "$GPGLL,4807.999992,N,01131.5,E,225444,A",
        " 48° 07' 60,0\"", " 11° 31' 30,0\"", " 48,1333333333333", " 11,525"},
@@ -119,6 +123,88 @@ TEST(SentenceDecoding, TimeStepNeedsANumericField) {
   for (const auto& [sentence, hasTime] : cases) {
     EXPECT_EQ(DecodeSentence(q(sentence), {}).hasTime(), hasTime) << sentence;
   }
+}
+
+// Receivers of other satellite systems ("$GNGGA", "$BDRMC") were never positioned.
+TEST(SentenceDecoding, EveryTalkerIsReadByType) {
+  const char* const talkers[] = {"GP", "GN", "GL", "GA", "GB", "BD", "GQ", "QZ", "GI", "IN", "ZX"};
+  struct Body {
+    const char* text;
+    SentenceKind kind;
+    const char* finalInfo;
+  };
+  const Body bodies[] = {
+      {"GGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,", SK::Gga,
+       "GPS - Antennenhöhe: 545,4 m ü. NN (8)"},
+      {"RMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W", SK::Rmc, kNoChange},
+      {"GLL,4807.038,N,01131.000,E,123519,A,A", SK::Gll, ""},
+  };
+  for (const char* talker : talkers) {
+    for (const Body& body : bodies) {
+      const QString sentence = u'$' + q(talker) + q(body.text) + QStringLiteral("\r\n");
+      SCOPED_TRACE(sentence.toStdString());
+      const DecodedSentence d = DecodeSentence(sentence, {});
+      EXPECT_EQ(d.kind, body.kind);
+      EXPECT_EQ(d.finalInfo(), opt(body.finalInfo));
+      EXPECT_TRUE(d.positionGood);
+      EXPECT_TRUE(d.hasTime());
+      EXPECT_EQ(d.brText(true), q(" 48,1173"));
+      EXPECT_EQ(d.lgText(false), q(" 11° 31' 0,0\""));
+    }
+  }
+}
+
+TEST(SentenceDecoding, AddressesOfNoKnownType) {
+  const char* const sentences[] = {
+      "$gpGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,",  // talker in lower case
+      "$G1GGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,",  // a digit as talker
+      "$GPGGAX,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,",
+      "$GGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,",   // no talker
+      "GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,",  // no "$"
+      "$GNGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1",
+  };
+  for (const char* sentence : sentences) {
+    const DecodedSentence d = DecodeSentence(q(sentence), {});
+    EXPECT_EQ(d.kind, SK::Other) << sentence;
+    EXPECT_EQ(d.finalInfo(), q("")) << sentence;
+    EXPECT_FALSE(d.timeAndPosition) << sentence;
+  }
+}
+
+// A damaged sentence moved the station: checksums were never compared.
+TEST(SentenceDecoding, ChecksumsDecideWhetherASentenceCounts) {
+  const std::pair<const char*, SentenceKind> cases[] = {
+      {"$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59\r\n", SK::Gga},
+      {"$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6a\r\n", SK::Rmc},
+      {"$GNGLL,4916.45,N,12311.12,W,225444,A,A\r\n", SK::Gll},  // no checksum: taken
+      {"$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*58\r\n", SK::Other},
+      // One flipped digit in the latitude, checksum of the original.
+      {"$GNGGA,123519,4817.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59\r\n", SK::Other},
+      {"$GNGLL,4916.45,N,12311.12,W,225444,A,A*4G\r\n", SK::Other},  // damaged digit
+      {"$GNGLL,4916.45,N,12311.12,W,225444,A,A*4\r\n", SK::Other},   // cut checksum
+      {"$GNGLL,4916.45,N,12311.12,W,225444,A,A*", SK::Other},
+  };
+  for (const auto& [sentence, kind] : cases) {
+    const DecodedSentence d = DecodeSentence(q(sentence), {});
+    EXPECT_EQ(d.kind, kind) << sentence;
+    EXPECT_EQ(d.positionGood, kind != SK::Other) << sentence;
+  }
+}
+
+TEST(SentenceDecoding, RmcLineIsTheFirstIntactOne) {
+  const char* const good =
+      "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A\r\n";
+  const char* const badSum =
+      "$GNRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A\r\n";
+  const char* const cut = "$GNRMC,123519,A\r\n";
+  const std::pair<QString, QString> cases[] = {
+      {q(badSum) + q(good) + q("$GPGSA"), q(good)},
+      {q(cut) + q(good) + q("$PGRME,15.0,M"), q(good)},
+      {q(good), q("")},  // not ended yet
+      {q(badSum) + q("$GPGSA"), q("")},
+      {q("$GNGGA,1\r\n") + q(good) + q("$"), q(good)},
+  };
+  for (const auto& [raw, line] : cases) EXPECT_EQ(FindRmcLine(raw), line) << raw.toStdString();
 }
 
 }  // namespace

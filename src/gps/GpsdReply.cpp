@@ -1,0 +1,132 @@
+#include "gps/GpsdReply.h"
+
+#include <QJsonDocument>
+#include <QJsonParseError>
+
+#include <gps.h>
+
+#include <cmath>
+#include <memory>
+
+namespace marvento {
+
+namespace {
+
+bool finite(double value) {
+  return std::isfinite(value);
+}
+
+// gpsd's time as a date; nothing for a time that no fix can have (before 1980, after 9999).
+QDateTime utcOf(const timespec_t& time) {
+  constexpr long long kFirst = 315964800LL;    // 1980-01-06, the start of GPS time
+  constexpr long long kLast = 253402300799LL;  // 9999-12-31 23:59:59
+  if (time.tv_sec < kFirst || time.tv_sec > kLast || time.tv_nsec < 0 ||
+      time.tv_nsec >= 1000000000L) {
+    return {};
+  }
+  const qint64 ms = static_cast<qint64>(time.tv_sec) * 1000 + time.tv_nsec / 1000000;
+  return QDateTime::fromMSecsSinceEpoch(ms, Qt::UTC);
+}
+
+GpsdFix fixOf(const gps_data_t& data) {
+  GpsdFix fix;
+  const gps_fix_t& f = data.fix;
+  if ((data.set & MODE_SET) == 0 || f.mode < MODE_2D || (data.set & LATLON_SET) == 0) return fix;
+  if (!finite(f.latitude) || !finite(f.longitude) || std::fabs(f.latitude) > 90.0 ||
+      std::fabs(f.longitude) > 180.0) {
+    return fix;
+  }
+  fix.valid = true;
+  fix.lat = f.latitude;
+  fix.lon = f.longitude;
+  if (f.mode >= MODE_3D) {
+    // Daemons before 3.21 send only "alt", which meant the height above sea level there.
+    if (finite(f.altMSL)) {
+      fix.altMSL = f.altMSL;
+    } else if (finite(f.altitude)) {
+      fix.altMSL = f.altitude;
+    }
+  }
+  if ((data.set & SPEED_SET) != 0 && finite(f.speed) && f.speed >= 0.0) fix.speed = f.speed;
+  if ((data.set & TRACK_SET) != 0 && finite(f.track) && f.track >= 0.0 && f.track <= 360.0) {
+    fix.course = f.track;
+  }
+  if ((data.set & TIME_SET) != 0) fix.utc = utcOf(f.time);
+  return fix;
+}
+
+}  // namespace
+
+GpsdReply ReadGpsdReply(QByteArrayView line) {
+  GpsdReply reply;
+  // libgps 3.22 loops for ever on some malformed text, such as {"a":"""class":"WATCH"}, and
+  // takes what stands before a cut as read: only one well-formed JSON object reaches it.
+  line = line.trimmed();
+  if (!line.startsWith('{') || !line.endsWith('}')) return reply;
+  QJsonParseError error;
+  const QJsonDocument document = QJsonDocument::fromJson(line.toByteArray(), &error);
+  if (error.error != QJsonParseError::NoError || !document.isObject()) return reply;
+  // gps_unpack wants a writable text with its end mark; the structure is large, so it lives
+  // on the heap.
+  QByteArray text(line.data(), line.size());
+  auto data = std::make_unique<gps_data_t>();
+  if (gps_unpack(text.data(), data.get()) != 0) return reply;
+  if ((data->set & MODE_SET) != 0) {
+    reply.kind = GpsdReply::Kind::Tpv;
+    reply.fix = fixOf(*data);
+  } else if ((data->set & SATELLITE_SET) != 0) {
+    reply.kind = GpsdReply::Kind::Sky;
+    // Without a list of satellites the count of used ones is unknown, not zero.
+    if (data->satellites_visible > 0 && data->satellites_used >= 0 &&
+        data->satellites_used <= data->satellites_visible) {
+      reply.satellitesUsed = data->satellites_used;
+    }
+  }
+  return reply;
+}
+
+int GpsdReplyReader::add(QByteArrayView bytes) {
+  int tpvCount = 0;
+  while (!bytes.isEmpty()) {
+    const qsizetype end = bytes.indexOf('\n');
+    const QByteArrayView piece = end < 0 ? bytes : bytes.first(end);
+    if (!m_dropping) {
+      if (m_pending.size() + piece.size() > kMaxLine) {
+        m_pending.clear();
+        m_dropping = true;
+      } else {
+        m_pending += piece;
+      }
+    }
+    if (end < 0) break;
+    if (!m_dropping) line(m_pending, tpvCount);
+    m_pending.clear();
+    m_dropping = false;
+    bytes = bytes.sliced(end + 1);
+  }
+  return tpvCount;
+}
+
+void GpsdReplyReader::clear() {
+  *this = GpsdReplyReader();
+}
+
+void GpsdReplyReader::line(QByteArrayView text, int& tpvCount) {
+  const GpsdReply reply = ReadGpsdReply(text);
+  switch (reply.kind) {
+    case GpsdReply::Kind::Other: return;
+    case GpsdReply::Kind::Sky:
+      if (reply.satellitesUsed) {
+        m_satellitesUsed = reply.satellitesUsed;
+        if (m_latest) m_latest->satellitesUsed = m_satellitesUsed;
+      }
+      return;
+    case GpsdReply::Kind::Tpv:
+      m_latest = reply.fix;
+      m_latest->satellitesUsed = m_satellitesUsed;
+      ++tpvCount;
+      return;
+  }
+}
+
+}  // namespace marvento

@@ -1,0 +1,84 @@
+#include "gps/SentenceScanner.h"
+
+#include <gtest/gtest.h>
+
+#include <utility>
+
+namespace marvento {
+namespace {
+
+using Step = SentenceScanner::Step;
+
+const QString kGga =
+    QStringLiteral("$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n");
+const QString kGngga =
+    QStringLiteral("$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59\r\n");
+// kGngga with one digit of the latitude flipped.
+const QString kGnggaBad =
+    QStringLiteral("$GNGGA,123519,4817.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59\r\n");
+const QString kGnrmc =
+    QStringLiteral("$GNRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*74\r\n");
+const QString kBdgll = QStringLiteral("$BDGLL,4916.45,N,12311.12,W,225444,A,A\r\n");
+const QString kGsa = QStringLiteral("$GNGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1*27\r\n");
+const QString kGarminError = QStringLiteral("$PGRME,15.0,M,45.0,M,25.0,M*1C\r\n");
+
+struct ScanCase {
+  const char* name;
+  QString stream;
+  Step step;
+  QString sentence;  // after Found
+  bool rawKept;      // rawBuffer() is the whole text
+};
+
+TEST(SentenceScanner, TakesTheFirstIntactSentenceOfAnyTalker) {
+  const ScanCase cases[] = {
+      {"GN receiver", kGsa + kGngga + kGnrmc, Step::Found, kGngga, true},
+      {"BeiDou GLL", kBdgll + kGsa, Step::Found, kBdgll, false},
+      {"any $ ends a sentence", kGnrmc + kGarminError, Step::Found, kGnrmc, true},
+      {"GP receiver as before", kGga + kGsa, Step::Found, kGga, false},
+      {"bad GGA, then a good RMC", kGnggaBad + kGsa + kGnrmc + kGsa, Step::Found, kGnrmc, true},
+      {"cut-off GGA passed over", QStringLiteral("$GPGGA,030130\r\n") + kGnrmc + u'$', Step::Found,
+       kGnrmc, true},
+      {"a bad GGA alone has not arrived", kGnggaBad + kGsa, Step::NoKnownType, {}, false},
+      {"a bad GGA and a begun RMC", kGnggaBad + kGnrmc, Step::Incomplete, {}, true},
+      {"last sentence never taken", kGsa + kGngga, Step::Incomplete, {}, false},
+      {"other types only", kGsa + kGarminError + kGsa, Step::NoKnownType, {}, false},
+      {"lower-case talker",
+       QStringLiteral("$gnGGA,1,2,3,4,5,6,7\r\n") + kGsa,
+       Step::NoKnownType,
+       {},
+       false},
+  };
+  for (const ScanCase& c : cases) {
+    SCOPED_TRACE(c.name);
+    // Whole, and one character at a time: the cuts must not matter.
+    SentenceScanner whole;
+    const Step step = whole.add(c.stream);
+    SentenceScanner bytes;
+    Step last = Step::NoKnownType;
+    for (const QChar ch : c.stream) {
+      if (last == Step::Found) break;
+      last = bytes.add(QStringView(&ch, 1));
+    }
+    EXPECT_EQ(step, c.step);
+    EXPECT_EQ(last, c.step);
+    if (step != Step::Found) continue;
+    EXPECT_EQ(whole.sentence(), c.sentence);
+    EXPECT_EQ(bytes.sentence(), c.sentence);
+    EXPECT_EQ(whole.rawBuffer(), c.rawKept ? c.stream : QString());
+  }
+}
+
+TEST(SentenceScanner, ChunksWithASentenceStart) {
+  const std::pair<const char*, bool> cases[] = {
+      {"$GPGSV,2,1", true}, {"0*47\r\n$GN", true},    {"xx$BDGSA", true},
+      {"$PGRME", true},     {"12,E*47\r\n$G", false}, {"$gpGGA", false},
+      {"$1PGGA", false},    {"no start", false},      {"", false},
+  };
+  for (const auto& [chunk, holds] : cases) {
+    EXPECT_EQ(HoldsSentenceStart(QString::fromLatin1(chunk)), holds) << chunk;
+  }
+}
+
+}  // namespace
+}  // namespace marvento
