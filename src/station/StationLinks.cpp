@@ -44,9 +44,21 @@ StationLinks::StationLinks(QObject* parent)
           [this](const QString& message) { tell(message, QStringLiteral(" WSJT-X")); });
   connect(m_rotator.get(), &RotatorLink::turnFailed, this,
           [this](const QString& message) { tell(message, QStringLiteral(" Antenne drehen")); });
-  connect(m_rotator.get(), &RotatorLink::turnAccepted, this, &StationLinks::rotorTurned);
-  connect(m_rotator.get(), &RotatorLink::azimuthReported, this,
-          [this](double azimuth, double) { emit rotorAzimuth(azimuth); });
+  connect(m_rotator.get(), &RotatorLink::turnAccepted, this, [this](double azimuth) {
+    m_turning = true;
+    m_lastAzimuth.reset();
+    m_rotator->setPollInterval(kRotorTurningPoll);
+    emit rotorTurned(azimuth);
+  });
+  connect(m_rotator.get(), &RotatorLink::azimuthReported, this, [this](double azimuth, double) {
+    // Two equal answers in a row: the antenna has stopped, and is asked less often again.
+    if (m_turning && m_lastAzimuth && std::fabs(*m_lastAzimuth - azimuth) < 0.05) {
+      m_turning = false;
+      m_rotator->setPollInterval(kRotorPoll);
+    }
+    m_lastAzimuth = azimuth;
+    emit rotorAzimuth(azimuth);
+  });
   // A question that fails is asked again at the next turn of the poll; the panel says it.
   connect(m_rotator.get(), &RotatorLink::positionFailed, this,
           [this] { emit rotorAzimuth(std::nullopt); });
@@ -87,6 +99,7 @@ void StationLinks::applyRotor(const StationAddress& address) {
   if (sameAddress(address, m_rotorAt)) return;
   const bool wasOn = rotorOn();
   m_rotorAt = address;
+  m_turning = false;
   m_rotator->setPollInterval(std::chrono::milliseconds(0));
   m_rotator->stop();
   if (rotorOn()) {

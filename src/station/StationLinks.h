@@ -29,6 +29,8 @@ class StationLinks : public QObject {
  public:
   // How often the rotator is asked where it points while the rotor option is on.
   static constexpr std::chrono::milliseconds kRotorPoll = std::chrono::seconds(3);
+  // How often while the antenna turns, so that the panel follows it; until it stands still.
+  static constexpr std::chrono::milliseconds kRotorTurningPoll = std::chrono::milliseconds(500);
 
   explicit StationLinks(QObject* parent = nullptr);
   ~StationLinks() override;
@@ -67,6 +69,8 @@ class StationLinks : public QObject {
   StationAddress m_js8callAt;
   StationAddress m_rotorAt;
   QString m_locator;
+  bool m_turning = false;
+  std::optional<double> m_lastAzimuth;
 };
 
 }  // namespace marvento
