@@ -10,12 +10,12 @@
 #include "gps/GpsLog.h"
 #include "gps/GpsPoll.h"
 #include "height/HeightEvaluate.h"
-#include "height/HeightReport.h"
-#include "height/HeightTable.h"
 #include "help/ShowHelp.h"
 #include "help/frmAbout.h"
 #include "options/frmOptions.h"
 #include "platform/Clock.h"
+#include "height/HeightReport.h"
+#include "height/HeightTable.h"
 #include "platform/CommControl.h"
 #include "platform/Format.h"
 #include "platform/MsgBox.h"
@@ -127,8 +127,8 @@ frmMain::frmMain(Module1& state, QWidget* parent)
   };
   hooks.UnlockEntry = [this] { UnlockEntry(); };
   m_sub->poll = std::make_unique<GpsPoll>(m_state, pollView, std::move(hooks), SystemClock());
-  m_sub->log =
-      std::make_unique<GpsLog>(m_state, GpsLogView{Panel2, tbMyLoc, lbInfo, Timer1}, SystemClock());
+  m_sub->log = std::make_unique<GpsLog>(m_state, GpsLogView{Panel2, tbMyLoc, lbInfo, Timer1},
+                                        SystemClock());
   m_sub->links = std::make_unique<StationLinks>();
   connect(m_sub->links.get(), &StationLinks::rotorSwitched, this, [this](bool on) {
     Panel6->setText(QStringLiteral("Rotor ?"));
@@ -352,13 +352,9 @@ void frmMain::buildToolBar() {
   addToolBar(Qt::TopToolBarArea, tbToolBar);
   setContextMenuPolicy(Qt::NoContextMenu);
 
-  const QString keys[] = {QStringLiteral("Neu"),
-                          QStringLiteral("Rechnen"),
-                          QStringLiteral("Rotor"),
-                          QStringLiteral("Beenden"),
-                          QString(),
-                          QStringLiteral("Grundeinstellungen"),
-                          QStringLiteral("Info"),
+  const QString keys[] = {QStringLiteral("Neu"), QStringLiteral("Rechnen"),
+                          QStringLiteral("Rotor"), QStringLiteral("Beenden"), QString(),
+                          QStringLiteral("Grundeinstellungen"), QStringLiteral("Info"),
                           QStringLiteral("Hilfe")};
   for (const QString& key : keys) {
     if (key.isEmpty()) {
@@ -398,10 +394,11 @@ void frmMain::buildStatusBar() {
   Panel3 = panel("Panel3", QStringLiteral("EINFG"), QStringLiteral("Einfüge-Modus"), 800,
                  QStringLiteral("EINFG"));
   Panel3->setAlignment(Qt::AlignCenter);
-  Panel4 = panel("Panel4", QString(), QStringLiteral("Datum"), 900, shortDate(QDate(2000, 12, 28)));
+  Panel4 = panel("Panel4", QString(), QStringLiteral("Datum"), 900,
+                 shortDate(QDate(2000, 12, 28)));
   Panel4->setAlignment(Qt::AlignCenter);
-  Panel5 =
-      panel("Panel5", QString(), QStringLiteral("System-Zeit"), 876, QStringLiteral("00:00:00"));
+  Panel5 = panel("Panel5", QString(), QStringLiteral("System-Zeit"), 876,
+                 QStringLiteral("00:00:00"));
   Panel5->setAlignment(Qt::AlignCenter);
   Panel6 = panel("Panel6", QString(), QStringLiteral("Richtung des Rotors"), 900,
                  QStringLiteral("Rotor 359°"));
@@ -421,9 +418,9 @@ void frmMain::fitWidth() {
   if (m_baseClientWidth == 0) m_baseClientWidth = centralWidget()->width();
   const int width = std::max(m_baseClientWidth, sbStatusBar->sizeHint().width());
   centralWidget()->setFixedWidth(width);
-  for (QWidget* line :
-       {static_cast<QWidget*>(Line1), static_cast<QWidget*>(Line2), static_cast<QWidget*>(Line3),
-        static_cast<QWidget*>(lbInfo), static_cast<QWidget*>(lbKurs)}) {
+  for (QWidget* line : {static_cast<QWidget*>(Line1), static_cast<QWidget*>(Line2),
+                        static_cast<QWidget*>(Line3), static_cast<QWidget*>(lbInfo),
+                        static_cast<QWidget*>(lbKurs)}) {
     line->resize(width, line->height());
   }
 }
@@ -618,8 +615,7 @@ void frmMain::mnuGrundeinstellungen_Click() {
   if (ticking) Timer1->stop();
   bool accepted = false;
   {
-    const OptionsTargets targets{Timer1, MSComm1, lbInfo,    this,
-                                 tbMyLg, tbMyBr,  tbFremdLg, tbFremdBr};
+    const OptionsTargets targets{Timer1, MSComm1, lbInfo, this, tbMyLg, tbMyBr, tbFremdLg, tbFremdBr};
     frmOptions options(m_state, targets, this);
     accepted = options.exec() == QDialog::Accepted;
   }
@@ -627,7 +623,11 @@ void frmMain::mnuGrundeinstellungen_Click() {
   if (ticking && m_state.GpsStatus == kGpsAn) SetTimerEnabled(Timer1, true);
   activateAfterDialog();
   Panel1->setText(statusText());
-  if (accepted) applyStationLinks();
+  if (accepted) {
+    applyStationLinks();
+    // Reception may have been switched off and on: its next fix starts a new track.
+    m_sub->crossing.reset();
+  }
   if (m_state.GpsStatus == kGpsAn) startPoll();
   if (isVisible()) tbFremdLoc->setFocus();
 }
