@@ -5,7 +5,7 @@
 
 namespace marvento {
 
-// The tool bar images: "Neu", "Rechnen", "Beenden", "Grundeinstellungen", "Info", "Hilfe",
+// The tool bar images: "Neu", "Rechnen", "Rotor", "Beenden", "Grundeinstellungen", "Info", "Hilfe",
 // at 16, 24, 32 and 48 pixels. An unknown key gives an empty icon.
 QIcon ToolbarIcon(const QString& key);
 

@@ -22,12 +22,15 @@
 #include "platform/Settings.h"
 #include "platform/Timer.h"
 #include "platform/Twips.h"
+#include "station/GridCrossing.h"
+#include "station/StationLinks.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QDate>
+#include <QDialog>
 #include <QFrame>
 #include <QKeyEvent>
 #include <QLabel>
@@ -44,6 +47,7 @@
 #include <QToolButton>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <vector>
 
@@ -75,6 +79,8 @@ struct frmMain::Subsystems {
   std::unique_ptr<GpsPoll> poll;
   std::unique_ptr<GpsLog> log;
   EntryControls entry;
+  std::unique_ptr<StationLinks> links;
+  GridCrossing crossing;
 };
 
 std::function<void()>& frmMain::exitProcess() {
@@ -115,7 +121,7 @@ frmMain::frmMain(Module1& state, QWidget* parent)
   const GpsPollView pollView{lbInfo,    lbKurs,    tbMyLoc, tbMyLg, tbMyBr, tbFremdLoc,
                              tbFremdLg, tbFremdBr, Panel1,  Panel2, Timer1, MSComm1};
   GpsPollHooks hooks;
-  hooks.Compute = [this] { Compute(); };
+  hooks.Compute = [this] { fixComputed(); };
   hooks.HeightSample = [this](const QString& alt, const QString& unit, const QString& sats) {
     HeightSample(alt, unit, sats);
   };
@@ -123,6 +129,13 @@ frmMain::frmMain(Module1& state, QWidget* parent)
   m_sub->poll = std::make_unique<GpsPoll>(m_state, pollView, std::move(hooks), SystemClock());
   m_sub->log = std::make_unique<GpsLog>(m_state, GpsLogView{Panel2, tbMyLoc, lbInfo, Timer1},
                                         SystemClock());
+  m_sub->links = std::make_unique<StationLinks>();
+  connect(m_sub->links.get(), &StationLinks::rotorSwitched, this, [this](bool on) {
+    Panel6->setText(QStringLiteral("Rotor ?"));
+    Panel6->setVisible(on);
+    refit();
+  });
+  connect(m_sub->links.get(), &StationLinks::rotorAzimuth, this, &frmMain::showRotor);
 
   // A poll fences off everything but tbFremdLoc; the menu entries go with their menus so
   // that no shortcut starts a command inside a poll.
@@ -308,6 +321,8 @@ void frmMain::buildMenus() {
                             QKeySequence(Qt::Key_F3), &frmMain::mnuGegenRichtung_Click);
   mnuGPS_Höhe = action(mnuAktion, "mnuGPS_Höhe", QStringLiteral("GPS-Antennenhöhe"),
                        QKeySequence(Qt::CTRL | Qt::Key_H), &frmMain::mnuGPS_Höhe_Click);
+  mnuRotor = action(mnuAktion, "mnuRotor", QStringLiteral("Antenne &drehen"),
+                    QKeySequence(Qt::CTRL | Qt::Key_D), &frmMain::mnuRotor_Click);
   separator(mnuAktion, "mnuSep3");
   mnuGrundeinstellungen =
       action(mnuAktion, "mnuGrundeinstellungen", QStringLiteral("&Grundeinstellungen"),
@@ -338,7 +353,7 @@ void frmMain::buildToolBar() {
   setContextMenuPolicy(Qt::NoContextMenu);
 
   const QString keys[] = {QStringLiteral("Neu"), QStringLiteral("Rechnen"),
-                          QStringLiteral("Beenden"), QString(),
+                          QStringLiteral("Rotor"), QStringLiteral("Beenden"), QString(),
                           QStringLiteral("Grundeinstellungen"), QStringLiteral("Info"),
                           QStringLiteral("Hilfe")};
   for (const QString& key : keys) {
@@ -385,6 +400,10 @@ void frmMain::buildStatusBar() {
   Panel5 = panel("Panel5", QString(), QStringLiteral("System-Zeit"), 876,
                  QStringLiteral("00:00:00"));
   Panel5->setAlignment(Qt::AlignCenter);
+  Panel6 = panel("Panel6", QString(), QStringLiteral("Richtung des Rotors"), 900,
+                 QStringLiteral("Rotor 359°"));
+  Panel6->setAlignment(Qt::AlignCenter);
+  Panel6->setVisible(false);
 
   m_clockTimer = new QTimer(this);
   m_clockTimer->setObjectName(QStringLiteral("sbClock"));
@@ -396,7 +415,8 @@ void frmMain::buildStatusBar() {
 void frmMain::fitWidth() {
   // The status bar may need more room than the fields where the font is large; the client
   // area, its rules and the two info lines then widen with it.
-  const int width = std::max(centralWidget()->width(), sbStatusBar->sizeHint().width());
+  if (m_baseClientWidth == 0) m_baseClientWidth = centralWidget()->width();
+  const int width = std::max(m_baseClientWidth, sbStatusBar->sizeHint().width());
   centralWidget()->setFixedWidth(width);
   for (QWidget* line : {static_cast<QWidget*>(Line1), static_cast<QWidget*>(Line2),
                         static_cast<QWidget*>(Line3), static_cast<QWidget*>(lbInfo),
@@ -446,6 +466,31 @@ void frmMain::Form_Load() {
   mnuProtokoll->setChecked(m_state.ProtokollOn);
   lbInfo->clear();
   lbKurs->clear();
+  applyStationLinks();
+}
+
+void frmMain::applyStationLinks() {
+  m_sub->links->apply();
+  m_sub->links->ownLocator(tbMyLoc->text());
+}
+
+StationLinks& frmMain::stationLinks() {
+  return *m_sub->links;
+}
+
+void frmMain::refit() {
+  // The rotor panel comes and goes with its option; the window makes room for it.
+  fitWidth();
+  setFixedSize(sizeHint());
+}
+
+void frmMain::showRotor(std::optional<double> azimuth) {
+  if (!azimuth) {
+    Panel6->setText(QStringLiteral("Rotor ?"));
+    return;
+  }
+  const double shown = std::fmod(std::round(*azimuth) + 360.0, 360.0);
+  Panel6->setText(QStringLiteral("Rotor %1°").arg(static_cast<int>(shown)));
 }
 
 QString frmMain::statusText() const {
@@ -516,6 +561,7 @@ void frmMain::mnuNeu_Click() {
   tbMyBr->clear();
   tbFremdLg->clear();
   tbFremdBr->clear();
+  m_reverseShown = false;
   setWindowTitle(QStringLiteral("Marvento "));
   if (m_state.MyHomeLoc.isEmpty()) {
     tbMyLoc->setFocus();
@@ -530,7 +576,27 @@ void frmMain::mnuRechnen_Click() {
 }
 
 void frmMain::mnuGegenRichtung_Click() {
+  m_reverseShown = ReverseBearingPrompt(lblRichtung->text()).has_value();
   marvento::mnuGegenRichtung_Click(lblRichtung);
+}
+
+void frmMain::mnuRotor_Click() {
+  const QString title = QStringLiteral(" Antenne drehen");
+  if (!m_sub->links->rotorOn()) {
+    MsgBox(QStringLiteral("Es ist kein Rotor eingestellt.\n"
+                          "In den Grundeinstellungen unter „Rotor“ die Adresse von "
+                          "rotctld eintragen, z. B. 127.0.0.1:4533."),
+           vbExclamation, title);
+    return;
+  }
+  const std::optional<double> bearing = BearingOfCaption(lblRichtung->text());
+  if (!bearing) {
+    MsgBox(QStringLiteral("Es ist noch keine Richtung berechnet.\n"
+                          "Bitte zuerst beide Stationen eingeben und rechnen."),
+           vbInformation, title);
+    return;
+  }
+  m_sub->links->turnRotor(m_reverseShown ? std::fmod(*bearing + 180.0, 360.0) : *bearing);
 }
 
 void frmMain::mnuGPS_Höhe_Click() {
@@ -547,15 +613,21 @@ void frmMain::mnuGrundeinstellungen_Click() {
   m_sub->poll->cancel();
   const bool ticking = m_state.GpsStatus == kGpsAn && Timer1->isActive();
   if (ticking) Timer1->stop();
+  bool accepted = false;
   {
     const OptionsTargets targets{Timer1, MSComm1, lbInfo, this, tbMyLg, tbMyBr, tbFremdLg, tbFremdBr};
     frmOptions options(m_state, targets, this);
-    options.exec();
+    accepted = options.exec() == QDialog::Accepted;
   }
   // Abbrechen leaves reception as it was, ticking included; OK has set the timer itself.
   if (ticking && m_state.GpsStatus == kGpsAn) SetTimerEnabled(Timer1, true);
   activateAfterDialog();
   Panel1->setText(statusText());
+  if (accepted) {
+    applyStationLinks();
+    // Reception may have been switched off and on: its next fix starts a new track.
+    m_sub->crossing.reset();
+  }
   if (m_state.GpsStatus == kGpsAn) startPoll();
   if (isVisible()) tbFremdLoc->setFocus();
 }
@@ -631,7 +703,30 @@ bool frmMain::isPolling() const {
   return m_sub->poll->isPolling();
 }
 void frmMain::Compute() {
+  m_reverseShown = false;
+  runCompute();
+}
+
+void frmMain::runCompute() {
   m_sub->compute->Compute();
+  // The links send only a valid locator, and only when it has changed.
+  m_sub->links->ownLocator(tbMyLoc->text());
+}
+
+void frmMain::fixComputed() {
+  // A fix keeps the user's choice of direction: F3 then Ctrl+D turns to the opposite also
+  // while the position moves on.
+  runCompute();
+  if (m_state.GpsStatus != kGpsAn) {
+    m_sub->crossing.reset();
+    return;
+  }
+  const GridCrossing::Step step = m_sub->crossing.next(tbMyLoc->text());
+  if (!step.crossed) return;
+  // Every square passed is a place of the track, whatever else the log's rules would skip.
+  if (m_state.ProtokollOn) WriteGpsLog();
+  sbStatusBar->showMessage(QStringLiteral("Neues Feld: ") + step.to, 5000);
+  Beep();
 }
 
 void frmMain::WriteGpsLog() {
@@ -645,6 +740,8 @@ void frmMain::tbToolBar_ButtonClick(const QString& key) {
   } else if (key == u"Rechnen") {
     Compute();
     tbFremdLoc->setFocus();
+  } else if (key == u"Rotor") {
+    mnuRotor_Click();
   } else if (key == u"Beenden") {
     mnuBeenden_Click();
   } else if (key == u"Grundeinstellungen") {

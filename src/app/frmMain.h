@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QAction;
 class QComboBox;
@@ -21,6 +22,7 @@ namespace marvento {
 
 class CommControl;
 class HeightTable;
+class StationLinks;
 
 // The one window of the program. Its controls are the working data of the compute
 // command and of GPS reception, so they are public; their names are the object names that
@@ -62,6 +64,8 @@ class frmMain : public QMainWindow {
   QLabel* Panel3 = nullptr;
   QLabel* Panel4 = nullptr;
   QLabel* Panel5 = nullptr;
+  // Where the rotator points; shown while the rotor option is on.
+  QLabel* Panel6 = nullptr;
 
   QMenu* mnuAktion = nullptr;
   QMenu* mnuHelp = nullptr;
@@ -69,6 +73,7 @@ class frmMain : public QMainWindow {
   QAction* mnuRechnen = nullptr;
   QAction* mnuGegenRichtung = nullptr;
   QAction* mnuGPS_Höhe = nullptr;
+  QAction* mnuRotor = nullptr;
   QAction* mnuGrundeinstellungen = nullptr;
   QAction* mnuProtokoll = nullptr;
   QAction* mnuBeenden = nullptr;
@@ -88,6 +93,9 @@ class frmMain : public QMainWindow {
   void mnuRechnen_Click();
   void mnuGegenRichtung_Click();
   void mnuGPS_Höhe_Click();
+  // Turns the antenna to the bearing last computed, or to its opposite when F3 showed that
+  // last.
+  void mnuRotor_Click();
   void mnuGrundeinstellungen_Click();
   void mnuProtokoll_Click();
   void mnuBeenden_Click();
@@ -95,7 +103,11 @@ class frmMain : public QMainWindow {
   void mnuInfo_Click();
   void tbToolBar_ButtonClick(const QString& key);
   void Timer1_Timer();
+  // The compute command as the user gives it (Enter, menu, tool bar).
   void Compute();
+  // Reads the settings Wsjtx, Js8Call and Rotor again and starts or stops each link.
+  void applyStationLinks();
+  StationLinks& stationLinks();
   void WriteGpsLog();
   // One height sample from a good GGA sentence, and the table it goes into.
   void HeightSample(const QString& alt, const QString& unit, const QString& sats);
@@ -140,6 +152,10 @@ class frmMain : public QMainWindow {
   void UnlockEntry();
   void startPoll(std::function<void()> then = {});
   void activateAfterDialog();
+  void runCompute();
+  void fixComputed();
+  void showRotor(std::optional<double> azimuth);
+  void refit();
 
   Module1& m_state;
   QTimer* m_clockTimer = nullptr;
@@ -147,6 +163,8 @@ class frmMain : public QMainWindow {
   bool m_insertMode = true;
   bool m_activatePending = false;
   bool m_passingKey = false;
+  bool m_reverseShown = false;  // F3 showed the opposite bearing since the last computation
+  int m_baseClientWidth = 0;
   struct Subsystems;
   std::unique_ptr<Subsystems> m_sub;
 };

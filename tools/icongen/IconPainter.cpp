@@ -87,6 +87,30 @@ void helpMark(QPainter& p) {
   p.drawPath(mark);
 }
 
+// A beam antenna on its mast, seen from above, with the arrow of its turn.
+void rotor(QPainter& p) {
+  p.setPen(QPen(QColor(60, 60, 60), 1.2, Qt::SolidLine, Qt::RoundCap));
+  p.drawLine(QPointF(8, 3), QPointF(8, 13));  // boom
+  for (double y : {4.0, 7.0, 10.0}) {
+    const double half = y < 5 ? 2.5 : 3.5;  // the director is shorter than the others
+    p.drawLine(QPointF(8 - half, y), QPointF(8 + half, y));
+  }
+  p.setBrush(QColor(90, 90, 90));
+  p.setPen(Qt::NoPen);
+  p.drawEllipse(QPointF(8, 13), 1.6, 1.6);  // mast
+  p.setBrush(Qt::NoBrush);
+  p.setPen(QPen(QColor(0, 140, 0), 1.2, Qt::SolidLine, Qt::RoundCap));
+  p.drawArc(QRectF(1.5, 1.5, 13, 13), 200 * 16, 120 * 16);
+  QPainterPath head;
+  head.moveTo(14.2, 9.5);
+  head.lineTo(11.6, 13.6);
+  head.lineTo(15.2, 13.4);
+  head.closeSubpath();
+  p.setPen(Qt::NoPen);
+  p.setBrush(QColor(0, 140, 0));
+  p.drawPath(head);
+}
+
 void globe(QPainter& p) {
   const QRectF earth(1, 1, 14, 14);
   QRadialGradient sea(QPointF(6, 5), 10);
@@ -118,6 +142,7 @@ Painter toolbarPainter(const QString& key) {
   if (key == u"Rechnen") {
     return [](QPainter& p) { letter(p, QStringLiteral("R"), QColor(210, 0, 0)); };
   }
+  if (key == u"Rotor") return rotor;
   if (key == u"Beenden") return exitWindow;
   if (key == u"Grundeinstellungen") {
     return [](QPainter& p) { letter(p, QStringLiteral("G"), QColor(0, 0, 210)); };
@@ -144,9 +169,13 @@ bool writePng(const QImage& image, const QString& path, QString* error) {
 }  // namespace
 
 QStringList ToolbarKeys() {
-  return {QStringLiteral("Neu"),     QStringLiteral("Rechnen"),
-          QStringLiteral("Beenden"), QStringLiteral("Grundeinstellungen"),
-          QStringLiteral("Info"),    QStringLiteral("Hilfe")};
+  return {QStringLiteral("Neu"),
+          QStringLiteral("Rechnen"),
+          QStringLiteral("Rotor"),
+          QStringLiteral("Beenden"),
+          QStringLiteral("Grundeinstellungen"),
+          QStringLiteral("Info"),
+          QStringLiteral("Hilfe")};
 }
 
 std::span<const int> ToolbarSizes() {
