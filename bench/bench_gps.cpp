@@ -118,7 +118,7 @@ void BM_SilentExchangeStall(benchmark::State& state) {
     };
     QTimer::singleShot(0, [&] {
       if (eventDriven) {
-        exchange.start({1, QStringLiteral("4800,N,8,1"), 0}, [&](const ExchangeResult& r) {
+        exchange.start({1, QStringLiteral("4800,N,8,1"), 0, {}}, [&](const ExchangeResult& r) {
           timedOut = r.kind == ExchangeResult::Kind::NoReception;
           done();
         });
@@ -161,7 +161,7 @@ void BM_HangUpEndsExchange(benchmark::State& state) {
     QTimer::singleShot(300, [&] { pty.close(); });
     const double cpu0 = cpuSeconds();
     const auto t0 = std::chrono::steady_clock::now();
-    exchange.start({1, QStringLiteral("4800,N,8,1"), 0}, [&](const ExchangeResult& r) {
+    exchange.start({1, QStringLiteral("4800,N,8,1"), 0, {}}, [&](const ExchangeResult& r) {
       disconnected = r.kind == ExchangeResult::Kind::Disconnected;
       loop.quit();
     });

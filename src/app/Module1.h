@@ -20,6 +20,7 @@ struct Module1 {
   QString GpsStatus;  // "GPS an" or "GPS aus", compared as exact text
   QString ComSettings;  // baud rate followed by ",N,8,1"
   QString MyHomeLoc;
+  QString GpsdAddress;  // "host:port" of gpsd, used when ComPort is "gpsd"
   std::int16_t BusyPort = 0;
   std::int32_t GpsIntervalSeconds = 0;
   std::int16_t ComNumber = 0;

@@ -1,5 +1,6 @@
 #include "app/SettingsStore.h"
 
+#include "gps/GpsExchange.h"
 #include "platform/CommControl.h"
 #include "platform/Format.h"
 #include "platform/Numbers.h"
@@ -15,7 +16,8 @@ namespace {
 
 // Whether Val finds a number at the start of the text at all.
 bool startsWithNumber(const QString& text) {
-  static const QRegularExpression number(QStringLiteral("^[ \\t\\r\\n]*[+-]?[ \\t\\r\\n]*\\.?[0-9]"));
+  static const QRegularExpression number(
+      QStringLiteral("^[ \\t\\r\\n]*[+-]?[ \\t\\r\\n]*\\.?[0-9]"));
   return number.match(text).hasMatch();
 }
 
@@ -82,8 +84,13 @@ StartupSettings ReadStartupSettings(Module1& state) {
   result.radiusPosition =
       ReadRadiusPosition(GetSetting(QStringLiteral("Radius"), QStringLiteral("2"))).value_or(2);
   state.GpsDataSeen = false;
+  state.GpsdAddress = GetSetting(QStringLiteral("Gpsd"), kDefaultGpsdAddress);
   std::optional<std::int16_t> number = ComNumberOf(state.ComPort);
-  if (!number) {
+  if (IsGpsdSource(state.ComPort)) {
+    // gpsd has no port of its own; the first port stands ready for a switch back.
+    state.ComPort = kGpsdSource;
+    number = 1;
+  } else if (!number) {
     state.ComPort = QStringLiteral("Com1");
     number = 1;
   }

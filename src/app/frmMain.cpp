@@ -7,6 +7,7 @@
 #include "distance/Compute.h"
 #include "distance/ReverseBearing.h"
 #include "gps/EntryLock.h"
+#include "gps/GpsExchange.h"
 #include "gps/GpsLog.h"
 #include "gps/GpsPoll.h"
 #include "height/HeightEvaluate.h"
@@ -624,6 +625,8 @@ void frmMain::mnuGrundeinstellungen_Click() {
   activateAfterDialog();
   Panel1->setText(statusText());
   if (accepted) {
+    // gpsd's connection stays open only while gpsd is the source of running reception.
+    if (!IsGpsdSource(m_state.ComPort) || m_state.GpsStatus != kGpsAn) m_sub->poll->closeGpsd();
     applyStationLinks();
     // Reception may have been switched off and on: its next fix starts a new track.
     m_sub->crossing.reset();

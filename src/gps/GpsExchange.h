@@ -36,7 +36,16 @@ struct ExchangeRequest {
   std::int16_t port = 0;
   QString settings;           // "4800,N,8,1" and the like
   std::int16_t busyPort = 0;  // the port the last scan found busy: asked about first
+  QString address;            // gpsd's "host:port" when gpsd is the source
 };
+
+// The port name that chooses gpsd as the source ("Com=gpsd" in the settings), in any case.
+inline const QString kGpsdSource = QStringLiteral("gpsd");
+inline bool IsGpsdSource(const QString& comPort) {
+  return comPort.trimmed().compare(kGpsdSource, Qt::CaseInsensitive) == 0;
+}
+// Where gpsd listens unless the settings say otherwise.
+inline const QString kDefaultGpsdAddress = QStringLiteral("localhost:2947");
 
 // One exchange with a position source, driven by the event loop: start() returns at once
 // (or after a modal question), and finished is called exactly once unless cancel() comes

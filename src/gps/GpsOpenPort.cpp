@@ -16,7 +16,7 @@ QString GpsOpenPort(CommControl& MSComm1, const Module1& state, QLabel* lbInfo, 
   SerialExchange exchange(MSComm1);
   QEventLoop loop;
   std::optional<ExchangeResult> result;
-  exchange.start({Port, Settings, state.BusyPort}, [&](const ExchangeResult& r) {
+  exchange.start({Port, Settings, state.BusyPort, {}}, [&](const ExchangeResult& r) {
     result = r;
     loop.quit();
   });

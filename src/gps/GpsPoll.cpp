@@ -3,6 +3,7 @@
 #include "app/Module1.h"
 #include "gps/EntryLock.h"
 #include "gps/GpsTime.h"
+#include "gps/GpsdExchange.h"
 #include "gps/SentenceDecoding.h"
 #include "gps/SerialExchange.h"
 #include "platform/CommControl.h"
@@ -33,6 +34,17 @@ GpsPoll::GpsPoll(Module1& state, const GpsPollView& view, GpsPollHooks hooks, Cl
 
 GpsPoll::~GpsPoll() {
   if (m_exchange) m_exchange->cancel();
+  if (m_gpsd) m_gpsd->cancel();
+}
+
+GpsExchange* GpsPoll::current() {
+  if (!IsGpsdSource(m_state.ComPort)) return m_exchange.get();
+  if (!m_gpsd) m_gpsd = std::make_unique<GpsdExchange>();
+  return m_gpsd.get();
+}
+
+void GpsPoll::closeGpsd() {
+  if (m_gpsd) m_gpsd->cancel();
 }
 
 void GpsPoll::setExchange(std::unique_ptr<GpsExchange> exchange) {
@@ -45,18 +57,20 @@ void GpsPoll::poll(std::int16_t port, const QString& settings, std::function<voi
   m_polling = true;
   m_then = std::move(then);
   if (m_view.lbInfo) m_view.lbInfo->clear();
-  if (!m_exchange) {
+  m_running = current();
+  if (!m_running) {
     finished(ExchangeResult::failed(ExchangeResult::Kind::PortError,
                                     QStringLiteral("Keine Schnittstelle")));
     return;
   }
-  m_exchange->start({port, settings, m_state.BusyPort},
-                    [this](const ExchangeResult& result) { finished(result); });
+  const QString address = m_state.GpsdAddress.isEmpty() ? kDefaultGpsdAddress : m_state.GpsdAddress;
+  m_running->start({port, settings, m_state.BusyPort, address},
+                   [this](const ExchangeResult& result) { finished(result); });
 }
 
 void GpsPoll::cancel() {
   if (!m_polling) return;
-  if (m_exchange) m_exchange->cancel();
+  if (m_running) m_running->cancel();
   m_then = nullptr;
   end();
 }
@@ -107,6 +121,7 @@ void GpsPoll::failure(QString reason) {
              QStringLiteral("\nGPS-Empfang wurde deaktiviert !"),
          vbExclamation, QStringLiteral(" Fehler"));
   if (m_view.MSComm1 && m_view.MSComm1->portOpen()) m_view.MSComm1->setPortOpen(false);
+  closeGpsd();
   m_state.GpsDataSeen = false;
 }
 

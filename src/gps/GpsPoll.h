@@ -72,6 +72,9 @@ class GpsPoll {
   // Another position source in place of the serial one.
   void setExchange(std::unique_ptr<GpsExchange> exchange);
 
+  // Ends the gpsd connection when reception goes off or the source changes.
+  void closeGpsd();
+
  private:
   void finished(const ExchangeResult& result);
   void failure(QString reason);
@@ -82,7 +85,12 @@ class GpsPoll {
   GpsPollView m_view;
   GpsPollHooks m_hooks;
   Clock& m_clock;
+  // The exchange of the running poll: the serial one, or gpsd's when the port is "gpsd".
+  GpsExchange* current();
+
   std::unique_ptr<GpsExchange> m_exchange;
+  std::unique_ptr<GpsExchange> m_gpsd;
+  GpsExchange* m_running = nullptr;
   std::function<void()> m_then;
   std::int16_t m_gpsTries = 0;
   bool m_polling = false;

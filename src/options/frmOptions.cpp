@@ -3,12 +3,15 @@
 #include "platform/Timer.h"
 #include "platform/Twips.h"
 
+#include "gps/GpsExchange.h"
+#include "gps/GpsdClient.h"
 #include "options/PortList.h"
 #include "platform/CommControl.h"
 #include "platform/Format.h"
 #include "platform/MsgBox.h"
 #include "platform/Numbers.h"
 #include "platform/Settings.h"
+#include "station/StationAddress.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -103,7 +106,7 @@ void frmOptions::build() {
   m_Combo3 = makeCombo(this, "Combo3", QStringLiteral(" GPS-Dateninterval "));
   auto* label4 = makeLabel(this, "Label4", QStringLiteral("all&e"), m_Combo3);
   auto* label5 = makeLabel(this, "Label5", QStringLiteral("Sekunden"), nullptr);
-  m_Combo1 = makeCombo(this, "Combo1", QStringLiteral(" Com1...Com29 "));
+  m_Combo1 = makeCombo(this, "Combo1", QStringLiteral(" Com1...Com29, oder gpsd "));
   auto* label2 = makeLabel(this, "Label2", QStringLiteral("&Schnittstelle:"), m_Combo1);
   m_Combo2 = makeCombo(this, "Combo2", QStringLiteral(" Bit pro Sekunde "));
   auto* label3 = makeLabel(this, "Label3", QStringLiteral("&Baudrate:"), m_Combo2);
@@ -148,6 +151,42 @@ void frmOptions::build() {
   m_Text1->setToolTip(QStringLiteral(" Eigener Locator/Vorgabe  "));
   auto* label6 = makeLabel(this, "Label6", QStringLiteral("My &Home - Loc:"), m_Text1);
 
+  m_tbGpsd = new QLineEdit(this);
+  m_tbGpsd->setObjectName(QStringLiteral("tbGpsd"));
+  m_tbGpsd->setToolTip(QStringLiteral(" Rechner:Port von gpsd, wenn die Schnittstelle gpsd ist "));
+  auto* labelGpsd = makeLabel(this, "LabelGpsd", QStringLiteral("g&psd-Adresse:"), m_tbGpsd);
+
+  auto* frame4 = makeFrame("Frame4", QStringLiteral("Stationsprogramme"));
+  auto* frame4Layout = new QGridLayout(frame4);
+  struct StationCaption {
+    const char* check;
+    const char* field;
+    QString caption;
+    QString toolTip;
+  };
+  const std::array<StationCaption, 3> stationCaptions = {{
+      {"chkWsjtx", "tbWsjtx", QStringLiteral("&WSJT-X"),
+       QStringLiteral(" Eigenen Locator an WSJT-X senden (UDP-Server von WSJT-X) ")},
+      {"chkJs8Call", "tbJs8Call", QStringLiteral("&JS8Call"),
+       QStringLiteral(" Eigenen Locator an JS8Call senden (TCP-API von JS8Call) ")},
+      {"chkRotor", "tbRotor", QStringLiteral("&Rotor"),
+       QStringLiteral(" Antenne über rotctld (hamlib) drehen ")},
+  }};
+  for (std::size_t i = 0; i < m_stations.size(); ++i) {
+    StationRow& row = m_stations[i];
+    row.on = makeButton<QCheckBox>(frame4, stationCaptions[i].check, stationCaptions[i].caption,
+                                   stationCaptions[i].toolTip);
+    row.on->setFont(normal);
+    row.address = new QLineEdit(frame4);
+    row.address->setObjectName(QString::fromLatin1(stationCaptions[i].field));
+    row.address->setToolTip(QStringLiteral(" Rechner:Port "));
+    row.address->setFont(normal);
+    row.address->setEnabled(false);
+    connect(row.on, &QCheckBox::toggled, row.address, &QLineEdit::setEnabled);
+    frame4Layout->addWidget(row.on, static_cast<int>(i), 0);
+    frame4Layout->addWidget(row.address, static_cast<int>(i), 1);
+  }
+
   // The frames' bold caption is not meant for what they hold.
   for (QWidget* child : {static_cast<QWidget*>(m_Option1_0), static_cast<QWidget*>(m_Option1_1),
                          static_cast<QWidget*>(m_Check1), static_cast<QWidget*>(m_Option3),
@@ -188,6 +227,10 @@ void frmOptions::build() {
   portRow->addWidget(label3);
   portRow->addWidget(m_Combo2, 1);
 
+  auto* gpsdRow = new QHBoxLayout;
+  gpsdRow->addWidget(labelGpsd);
+  gpsdRow->addWidget(m_tbGpsd, 1);
+
   auto* frameRow = new QHBoxLayout;
   frameRow->addWidget(frame1);
   frameRow->addWidget(frame2);
@@ -204,13 +247,32 @@ void frmOptions::build() {
   layout->addLayout(intervalRow);
   layout->addLayout(groove);
   layout->addLayout(portRow);
+  layout->addLayout(gpsdRow);
   layout->addLayout(frameRow);
+  layout->addWidget(frame4);
   layout->addLayout(bottomRow);
   setFixedSize(sizeHint());
 
-  QWidget* const tabOrder[] = {m_Command2,  m_Command1,  m_Combo3, m_Combo1,  m_Combo2,
-                               m_Option1_0, m_Option1_1, m_Check1, m_Option3, m_Option4,
-                               m_Option2_0, m_Option2_1, m_Text1};
+  QWidget* const tabOrder[] = {m_Command2,
+                               m_Command1,
+                               m_Combo3,
+                               m_Combo1,
+                               m_Combo2,
+                               m_Option1_0,
+                               m_Option1_1,
+                               m_Check1,
+                               m_Option3,
+                               m_Option4,
+                               m_Option2_0,
+                               m_Option2_1,
+                               m_tbGpsd,
+                               m_stations[0].on,
+                               m_stations[0].address,
+                               m_stations[1].on,
+                               m_stations[1].address,
+                               m_stations[2].on,
+                               m_stations[2].address,
+                               m_Text1};
   for (std::size_t i = 1; i < std::size(tabOrder); ++i) {
     setTabOrder(tabOrder[i - 1], tabOrder[i]);
   }
@@ -253,8 +315,22 @@ void frmOptions::Form_Load() {
   m_Check1->setChecked(m_state.GpsZeit);
   (m_state.Loc10st ? m_Option2_1 : m_Option2_0)->setChecked(true);
 
+  m_tbGpsd->setText(m_state.GpsdAddress.isEmpty() ? kDefaultGpsdAddress : m_state.GpsdAddress);
+  for (std::size_t i = 0; i < m_stations.size(); ++i) {
+    const auto program = static_cast<StationProgram>(i);
+    const StationAddress stored = LoadStationAddress(program);
+    const bool on = stored.status == StationAddress::Ok;
+    m_stations[i].on->setChecked(on);
+    m_stations[i].address->setText(on ? StationAddressText(stored)
+                                      : DefaultStationAddressText(program));
+  }
+
   m_comNumberBefore = m_state.ComNumber;
   if (m_targets.MSComm1 != nullptr) FillPortList(*m_Combo1, *m_targets.MSComm1, m_state);
+  // gpsd needs no scan: it is always offered, first, so that the scan's choice stays last.
+  m_Combo1->insertItem(0, kGpsdSource);
+  m_Combo1->setItemData(0, QStringLiteral(" Positionen von gpsd (Rechner:Port unten) "),
+                        Qt::ToolTipRole);
 }
 
 void frmOptions::Form_Activate() {
@@ -277,7 +353,35 @@ void frmOptions::Command1_Click() {
     MsgBox(reason, vbExclamation, QStringLiteral(" Grundeinstellungen"));
     m_Combo1->setFocus();
   };
-  if (port.startsWith(u'/')) {
+  // Every address is checked before anything changes, so that a refusal leaves all as it was.
+  const bool gpsd = IsGpsdSource(port);
+  const QString gpsdAddress = m_tbGpsd->text().trimmed();
+  if (gpsd && !ParseGpsdAddress(gpsdAddress)) {
+    MsgBox(GpsdMessage(GpsdOutcome::BadAddress, gpsdAddress), vbExclamation,
+           QStringLiteral(" Grundeinstellungen"));
+    m_tbGpsd->setFocus();
+    return;
+  }
+  std::array<StationAddress, 3> stations{};
+  for (std::size_t i = 0; i < m_stations.size(); ++i) {
+    if (!m_stations[i].on->isChecked()) continue;
+    const QString text = m_stations[i].address->text();
+    const QString problem = StationAddressProblem(text, static_cast<StationProgram>(i));
+    if (!problem.isEmpty()) {
+      const QString program = m_stations[i].on->text().remove(u'&');
+      MsgBox(
+          QStringLiteral("Die Adresse „%1“ für %2 ist ungültig.\n").arg(text.trimmed(), program) +
+              problem,
+          vbExclamation, QStringLiteral(" Grundeinstellungen"));
+      m_stations[i].address->setFocus();
+      return;
+    }
+    stations[i] = ParseStationAddress(text, static_cast<StationProgram>(i));
+  }
+
+  if (gpsd) {
+    m_state.ComPort = kGpsdSource;
+  } else if (port.startsWith(u'/')) {
     QString reason;
     const std::optional<std::int16_t> number = PortForDevice(port, reason);
     if (!number) return refuse(reason);
@@ -334,6 +438,14 @@ void frmOptions::Command1_Click() {
   }
 
   SaveSetting(QStringLiteral("MyHomeLoc"), m_state.MyHomeLoc);
+  // A valid address typed while a port is the source is kept for a later switch to gpsd.
+  if (ParseGpsdAddress(gpsdAddress)) {
+    m_state.GpsdAddress = gpsdAddress;
+    SaveSetting(QStringLiteral("Gpsd"), gpsdAddress);
+  }
+  for (std::size_t i = 0; i < m_stations.size(); ++i) {
+    SaveStationAddress(static_cast<StationProgram>(i), stations[i]);
+  }
   accept();
 }
 

@@ -4,6 +4,8 @@
 
 #include <QDialog>
 
+#include <array>
+
 #include <cstdint>
 #include <optional>
 
@@ -79,6 +81,14 @@ class frmOptions : public QDialog {
   QRadioButton* m_Option2_0 = nullptr;
   QRadioButton* m_Option2_1 = nullptr;
   QLineEdit* m_Text1 = nullptr;
+  QLineEdit* m_tbGpsd = nullptr;
+
+  // One row of the group "Stationsprogramme": switched on, and where the program is.
+  struct StationRow {
+    QCheckBox* on = nullptr;
+    QLineEdit* address = nullptr;
+  };
+  std::array<StationRow, 3> m_stations{};  // WSJT-X, JS8Call, rotator, in StationProgram order
 };
 
 }  // namespace marvento

@@ -210,7 +210,7 @@ ExchangeRun runExchange(CommControl& comm, const QString& settings,
   wall.start();
   sinceTick.start();
   probe.start(10);
-  exchange.start({1, settings, 0}, [&](const ExchangeResult& r) {
+  exchange.start({1, settings, 0, {}}, [&](const ExchangeResult& r) {
     run.result = r;
     loop.quit();
   });

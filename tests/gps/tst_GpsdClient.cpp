@@ -2,6 +2,7 @@
 // receiver that sends "$GN" sentences, as multi-system receivers do.
 
 #include "gps/GpsdClient.h"
+#include "support/GpsdDaemon.h"
 #include "support/Pty.h"
 
 #include <QElapsedTimer>
@@ -19,85 +20,11 @@
 using namespace marvento;
 using namespace std::chrono_literals;
 
-namespace {
-
-const QString kGpsd = QStringLiteral("/usr/sbin/gpsd");
-
-// A loopback port that nothing listens on at the moment.
-quint16 freePort() {
-  QTcpServer server;
-  server.listen(QHostAddress::LocalHost, 0);
-  return server.serverPort();
-}
-
-QByteArray sentence(const QByteArray& body) {
-  char sum = 0;
-  for (const char c : body) sum ^= c;
-  return '$' + body + '*' +
-         QByteArray::number(static_cast<unsigned char>(sum), 16).rightJustified(2, '0').toUpper() +
-         "\r\n";
-}
-
-// One second of a multi-system receiver with a fix at 48°07.038' N 11°31.000' E, 545.4 m
-// above sea level, 5 satellites used, 12.5 knots on course 84.4°.
-QByteArray fixCycle(int second) {
-  const QByteArray utc =
-      QByteArray("1200") + QByteArray::number(second % 60).rightJustified(2, '0');
-  return sentence("GNRMC," + utc + ".00,A,4807.0380,N,01131.0000,E,12.5,84.4,231126,,,A") +
-         sentence("GNGGA," + utc + ".00,4807.0380,N,01131.0000,E,1,05,1.3,545.4,M,46.9,M,,") +
-         sentence("GNGSA,A,3,04,05,09,12,24,,,,,,,,2.5,1.3,2.1") +
-         sentence("GPGSV,2,1,05,04,40,083,46,05,17,308,41,09,07,344,39,12,22,228,45") +
-         sentence("GPGSV,2,2,05,24,40,083,46") +
-         sentence("GNGLL,4807.0380,N,01131.0000,E," + utc + ".00,A,A");
-}
-
-// The same receiver before its first fix.
-QByteArray noFixCycle(int second) {
-  const QByteArray utc =
-      QByteArray("1200") + QByteArray::number(second % 60).rightJustified(2, '0');
-  return sentence("GNRMC," + utc + ".00,V,,,,,,,231126,,,N") +
-         sentence("GNGGA," + utc + ".00,,,,,0,00,99.99,,,,,,") +
-         sentence("GNGSA,A,1,,,,,,,,,,,,,99.99,99.99,99.99");
-}
-
-// gpsd in the foreground on a free loopback port, reading the pseudo-terminal only.
-class Gpsd {
- public:
-  ~Gpsd() { stop(); }
-
-  bool start(const QString& device) {
-    // Another program may take the port between the look and gpsd's bind; try again then.
-    for (int attempt = 0; attempt < 3; ++attempt) {
-      m_port = freePort();
-      m_process.start(kGpsd, {QStringLiteral("-N"), QStringLiteral("-n"), QStringLiteral("-b"),
-                              QStringLiteral("-S"), QString::number(m_port), device});
-      if (!m_process.waitForStarted(3000)) return false;
-      for (int tries = 0; tries < 50 && m_process.state() == QProcess::Running; ++tries) {
-        QTcpSocket probe;
-        probe.connectToHost(QHostAddress::LocalHost, m_port);
-        if (probe.waitForConnected(100)) return true;
-        QTest::qWait(100);
-      }
-      stop();
-    }
-    return false;
-  }
-  void stop() {
-    if (m_process.state() == QProcess::NotRunning) return;
-    m_process.terminate();
-    if (!m_process.waitForFinished(3000)) {
-      m_process.kill();
-      m_process.waitForFinished(3000);
-    }
-  }
-  QString address() const { return QStringLiteral("127.0.0.1:%1").arg(m_port); }
-
- private:
-  QProcess m_process;
-  quint16 m_port = 0;
-};
-
-}  // namespace
+using test::fixCycle;
+using test::freePort;
+using test::kGpsd;
+using test::noFixCycle;
+using Gpsd = test::GpsdDaemon;
 
 class TestGpsdClient : public QObject {
   Q_OBJECT

@@ -5,6 +5,7 @@
 #include "platform/Settings.h"
 #include "support/Pty.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -87,6 +88,9 @@ class tst_frmOptions : public QObject {
   void cancelKeepsThePortPanelOneNames();
   void typedDevicePath_data();
   void typedDevicePath();
+  void sourceAndStationPrograms_data();
+  void sourceAndStationPrograms();
+  void storedStationProgramsAreShown();
 
  private:
   QTemporaryDir m_config;
@@ -293,6 +297,136 @@ void tst_frmOptions::typedDevicePath() {
   // The port opens the typed device from now on, also after a restart.
   QCOMPARE(QFileInfo(marvento::PortDevice(number)).canonicalFilePath(), pty.path());
   if (typed == link) QCOMPARE(marvento::PortDevice(number), link);
+}
+
+void tst_frmOptions::sourceAndStationPrograms_data() {
+  QTest::addColumn<QString>("port");
+  QTest::addColumn<QString>("gpsd");
+  QTest::addColumn<QString>("wsjtx");  // empty: the check box stays off
+  QTest::addColumn<QString>("rotor");
+  QTest::addColumn<QString>("box");  // the refusal's start; empty when accepted
+  QTest::addColumn<QString>("comPort");
+  QTest::addColumn<QString>("storedGpsd");  // "missing" when the key stays unwritten
+  QTest::addColumn<QString>("storedWsjtx");
+  QTest::addColumn<QString>("storedRotor");
+
+  QTest::newRow("gpsd at its default") << "gpsd"
+                                       << "localhost:2947"
+                                       << ""
+                                       << ""
+                                       << ""
+                                       << "gpsd"
+                                       << "localhost:2947"
+                                       << ""
+                                       << "";
+  QTest::newRow("gpsd elsewhere, programs on") << "GPSD"
+                                               << " 192.168.1.5:2948 "
+                                               << "224.0.0.1:2237"
+                                               << "[::1]"
+                                               << ""
+                                               << "gpsd"
+                                               << "192.168.1.5:2948"
+                                               << "224.0.0.1:2237"
+                                               << "[::1]:4533";
+  QTest::newRow("gpsd address refused") << "gpsd"
+                                        << "localhost:x"
+                                        << ""
+                                        << ""
+                                        << "Ungültige gpsd-Adresse"
+                                        << "Com1"
+                                        << "missing"
+                                        << "missing"
+                                        << "missing";
+  QTest::newRow("a port ignores a bad gpsd address") << "Com2"
+                                                     << "localhost:x"
+                                                     << ""
+                                                     << ""
+                                                     << ""
+                                                     << "Com2"
+                                                     << "missing"
+                                                     << ""
+                                                     << "";
+  QTest::newRow("WSJT-X needs an address to listen on") << "gpsd"
+                                                        << "localhost:2947"
+                                                        << "rechner:2237"
+                                                        << ""
+                                                        << "Die Adresse „rechner:2237“ für WSJT-X"
+                                                        << "Com1"
+                                                        << "missing"
+                                                        << "missing"
+                                                        << "missing";
+  QTest::newRow("rotor port out of range") << "Com1"
+                                           << "localhost:2947"
+                                           << ""
+                                           << "127.0.0.1:70000"
+                                           << "Die Adresse „127.0.0.1:70000“ für Rotor"
+                                           << "Com1"
+                                           << "missing"
+                                           << "missing"
+                                           << "missing";
+}
+
+// gpsd as a source and the station programs: checked before anything changes, stored at OK.
+void tst_frmOptions::sourceAndStationPrograms() {
+  QFETCH(QString, port);
+  QFETCH(QString, gpsd);
+  QFETCH(QString, wsjtx);
+  QFETCH(QString, rotor);
+  QFETCH(QString, box);
+  QFETCH(QString, comPort);
+  QFETCH(QString, storedGpsd);
+  QFETCH(QString, storedWsjtx);
+  QFETCH(QString, storedRotor);
+
+  Module1 state = firstRunState();
+  MainParts main;
+  marvento::MsgBoxRecorder boxes;
+  frmOptions dialog(state, main.targets());
+  dialog.show();
+  QVERIFY(child<QComboBox>(dialog, "Combo1")->findText(QStringLiteral("gpsd")) >= 0);
+  child<QComboBox>(dialog, "Combo1")->setEditText(port);
+  child<QLineEdit>(dialog, "tbGpsd")->setText(gpsd);
+  if (!wsjtx.isEmpty()) {
+    child<QCheckBox>(dialog, "chkWsjtx")->setChecked(true);
+    child<QLineEdit>(dialog, "tbWsjtx")->setText(wsjtx);
+  }
+  if (!rotor.isEmpty()) {
+    child<QCheckBox>(dialog, "chkRotor")->setChecked(true);
+    child<QLineEdit>(dialog, "tbRotor")->setText(rotor);
+  }
+  child<QPushButton>(dialog, "Command1")->click();
+
+  if (box.isEmpty()) {
+    QCOMPARE(boxes.count(), 0);
+    QCOMPARE(dialog.result(), int(QDialog::Accepted));
+  } else {
+    QCOMPARE(boxes.count(), 1);
+    QVERIFY2(boxes.last().prompt.startsWith(box), qPrintable(boxes.last().prompt));
+    QVERIFY(dialog.isVisible());
+  }
+  QCOMPARE(state.ComPort, comPort);
+  QCOMPARE(marvento::GetSetting("Gpsd", "missing"), storedGpsd);
+  QCOMPARE(marvento::GetSetting("Wsjtx", "missing"), storedWsjtx);
+  QCOMPARE(marvento::GetSetting("Js8Call", "missing"),
+           box.isEmpty() ? QString() : QStringLiteral("missing"));
+  QCOMPARE(marvento::GetSetting("Rotor", "missing"), storedRotor);
+}
+
+void tst_frmOptions::storedStationProgramsAreShown() {
+  marvento::SaveSetting(QStringLiteral("Js8Call"), QStringLiteral("10.0.0.7:2442"));
+  marvento::SaveSetting(QStringLiteral("Rotor"), QStringLiteral("kein Rotor"));  // edited by hand
+  Module1 state = firstRunState();
+  state.GpsdAddress = QStringLiteral("pi.local:2947");
+  MainParts main;
+  frmOptions dialog(state, main.targets());
+  QCOMPARE(child<QLineEdit>(dialog, "tbGpsd")->text(), QStringLiteral("pi.local:2947"));
+  QVERIFY(child<QCheckBox>(dialog, "chkJs8Call")->isChecked());
+  QCOMPARE(child<QLineEdit>(dialog, "tbJs8Call")->text(), QStringLiteral("10.0.0.7:2442"));
+  // An address that does not read counts as off; the field offers the usual one.
+  QVERIFY(!child<QCheckBox>(dialog, "chkRotor")->isChecked());
+  QVERIFY(!child<QLineEdit>(dialog, "tbRotor")->isEnabled());
+  QCOMPARE(child<QLineEdit>(dialog, "tbRotor")->text(), QStringLiteral("127.0.0.1:4533"));
+  QVERIFY(!child<QCheckBox>(dialog, "chkWsjtx")->isChecked());
 }
 
 QTEST_MAIN(tst_frmOptions)
