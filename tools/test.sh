@@ -10,7 +10,7 @@ sh tools/build.sh -DMARVENTO_BUILD_BENCH=ON
 (cd build && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j "$(nproc)" --timeout 600)
 
 # -O3 brings warnings of its own (GCC 12's false -Wrestrict in libstdc++); a packager's
-# build must still go through. Compiled as a unity build, which takes a third of the time; the
+# build must still go through. Compiled as a unity build to save time; the
 # build above has already compiled every file on its own.
 cmake -S . -B build-release -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_UNITY_BUILD=ON >/dev/null
 cmake --build build-release -j "$(nproc)" --target marvento

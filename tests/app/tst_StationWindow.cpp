@@ -14,6 +14,8 @@
 #include "support/Pty.h"
 #include "support/RealBoxes.h"
 
+#include "support/RotctldDaemon.h"
+
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
@@ -43,42 +45,10 @@ using marvento::test::RealBoxes;
 
 namespace {
 
-const QString kRotctld = QStringLiteral("/usr/bin/rotctld");
-const QString kHost = QStringLiteral("127.0.0.1");
-
-quint16 freePort() {
-  QTcpServer probe;
-  return probe.listen(QHostAddress::LocalHost, 0) ? probe.serverPort() : 0;
-}
-
-// rotctld with the dummy rotator, which starts at north and turns 6° a second.
-class Rotctld {
- public:
-  bool start(quint16 port) {
-    m_process.setProgram(kRotctld);
-    m_process.setArguments({QStringLiteral("-m"), QStringLiteral("1"), QStringLiteral("-T"), kHost,
-                            QStringLiteral("-t"), QString::number(port)});
-    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_process.start();
-    if (!m_process.waitForStarted(5000)) return false;
-    const QDeadlineTimer deadline(5000);
-    while (!deadline.hasExpired()) {
-      QTcpSocket socket;
-      socket.connectToHost(kHost, port);
-      if (socket.waitForConnected(200)) return true;
-      QTest::qWait(50);
-    }
-    return false;
-  }
-  ~Rotctld() {
-    m_process.terminate();
-    if (!m_process.waitForFinished(3000)) m_process.kill();
-    m_process.waitForFinished(3000);
-  }
-
- private:
-  QProcess m_process;
-};
+using test::freePort;
+using test::kRotctld;
+const QString kHost = test::kLoopback;
+using Rotctld = test::RotctldDaemon;
 
 // Asks the daemon itself, on a connection of its own, where the rotator points.
 std::optional<double> daemonAzimuth(quint16 port) {

@@ -3,6 +3,8 @@
 
 #include "station/RotatorLink.h"
 
+#include "support/RotctldDaemon.h"
+
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QLocale>
@@ -19,46 +21,10 @@ using namespace marvento;
 
 namespace {
 
-const QString kRotctld = QStringLiteral("/usr/bin/rotctld");
-const QString kHost = QStringLiteral("127.0.0.1");
-
-quint16 freePort() {
-  QTcpServer probe;
-  return probe.listen(QHostAddress::LocalHost, 0) ? probe.serverPort() : 0;
-}
-
-// rotctld with the dummy rotator, ready once it accepts connections.
-class Rotctld {
- public:
-  bool start(quint16 port) {
-    m_process.setProgram(kRotctld);
-    m_process.setArguments({QStringLiteral("-m"), QStringLiteral("1"), QStringLiteral("-T"), kHost,
-                            QStringLiteral("-t"), QString::number(port)});
-    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_process.start();
-    if (!m_process.waitForStarted(5000)) return false;
-    const QDeadlineTimer deadline(5000);
-    while (!deadline.hasExpired()) {
-      QTcpSocket socket;
-      socket.connectToHost(kHost, port);
-      if (socket.waitForConnected(200)) return true;
-      QTest::qWait(50);
-    }
-    return false;
-  }
-  void stop() {
-    if (m_process.state() == QProcess::NotRunning) return;
-    m_process.terminate();
-    if (!m_process.waitForFinished(3000)) {
-      m_process.kill();
-      m_process.waitForFinished(3000);
-    }
-  }
-  ~Rotctld() { stop(); }
-
- private:
-  QProcess m_process;
-};
+using test::freePort;
+using test::kRotctld;
+const QString kHost = test::kLoopback;
+using Rotctld = test::RotctldDaemon;
 
 // Answers every command line with the next of the given replies, optionally a byte at a time.
 class FakeRotctld : public QObject {

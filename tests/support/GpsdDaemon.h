@@ -52,6 +52,16 @@ inline QByteArray noFixCycle(int second) {
          sentence("GNGSA,A,1,,,,,,,,,,,,,99.99,99.99,99.99");
 }
 
+// Ends a daemon started for a test: politely first, then by force.
+inline void StopProcess(QProcess& process) {
+  if (process.state() == QProcess::NotRunning) return;
+  process.terminate();
+  if (!process.waitForFinished(3000)) {
+    process.kill();
+    process.waitForFinished(3000);
+  }
+}
+
 // gpsd in the foreground on a free loopback port, reading the pseudo-terminal only.
 class GpsdDaemon {
  public:
@@ -74,14 +84,7 @@ class GpsdDaemon {
     }
     return false;
   }
-  void stop() {
-    if (m_process.state() == QProcess::NotRunning) return;
-    m_process.terminate();
-    if (!m_process.waitForFinished(3000)) {
-      m_process.kill();
-      m_process.waitForFinished(3000);
-    }
-  }
+  void stop() { StopProcess(m_process); }
   QString address() const { return QStringLiteral("127.0.0.1:%1").arg(m_port); }
 
  private:
