@@ -66,9 +66,10 @@ GpsdReply ReadGpsdReply(QByteArrayView line) {
   QJsonParseError error;
   const QJsonDocument document = QJsonDocument::fromJson(line.toByteArray(), &error);
   if (error.error != QJsonParseError::NoError || !document.isObject()) return reply;
-  // gps_unpack wants a writable text with its end mark; the structure is large, so it lives
-  // on the heap.
-  QByteArray text(line.data(), line.size());
+  // It also never returned on a well-formed object that repeats "class": it gets the object as
+  // Qt read it, each key once. (gps_unpack wants a writable text with its end mark; the
+  // structure is large, so it lives on the heap.)
+  QByteArray text = document.toJson(QJsonDocument::Compact);
   auto data = std::make_unique<gps_data_t>();
   if (gps_unpack(text.data(), data.get()) != 0) return reply;
   if ((data->set & MODE_SET) != 0) {

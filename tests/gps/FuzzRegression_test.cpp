@@ -20,5 +20,19 @@ TEST(GpsdFuzzRegression, MalformedReplyNeverReachesLibgps) {
   }
 }
 
+// It never returned either on a well-formed object that names its class twice.
+TEST(GpsdFuzzRegression, RepeatedClassKeyNeverReachesLibgps) {
+  const QByteArray line =
+      R"({"class":"TPV","mode":4,"class":"VERSION","release":"3.22","proto_major":3})";
+  EXPECT_EQ(ReadGpsdReply(QByteArrayView(line)).kind, GpsdReply::Kind::Other);
+  // The same report without the repetition is still a fix.
+  const QByteArray once = R"({"class":"TPV","mode":2,"lat":48.1173,"lon":11.5167})";
+  const GpsdReply reply = ReadGpsdReply(QByteArrayView(once));
+  ASSERT_EQ(reply.kind, GpsdReply::Kind::Tpv);
+  EXPECT_TRUE(reply.fix.valid);
+  EXPECT_DOUBLE_EQ(reply.fix.lat, 48.1173);
+  EXPECT_DOUBLE_EQ(reply.fix.lon, 11.5167);
+}
+
 }  // namespace
 }  // namespace marvento
