@@ -3,6 +3,7 @@
 #include "FuzzSupport.h"
 #include "app/Module1.h"
 #include "app/SettingsStore.h"
+#include "gps/GpsExchange.h"
 #include "platform/CommControl.h"
 #include "platform/Settings.h"
 
@@ -44,7 +45,8 @@ void checkConversions(const QString& text) {
   Check(std::isfinite(twips) && std::fabs(twips) <= 1e7, "a window position is on a screen", text);
   // What is written at exit reads back as the same position.
   SaveSetting(QStringLiteral("MainLeft"), TwipsText(twips));
-  Check(GetTwipsSetting(QStringLiteral("MainLeft")) == twips, "the stored window position reads back", text);
+  Check(GetTwipsSetting(QStringLiteral("MainLeft")) == twips,
+        "the stored window position reads back", text);
 }
 
 }  // namespace
@@ -70,15 +72,23 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Module1 state;
   const StartupSettings read = ReadStartupSettings(state);
   const QString shown = lines.join(u'|');
-  Check(read.interval.seconds >= 0 && read.interval.seconds <= 65, "the start interval is 0 to 65 s", shown);
+  Check(read.interval.seconds >= 0 && read.interval.seconds <= 65,
+        "the start interval is 0 to 65 s", shown);
   Check(read.interval.milliseconds == read.interval.seconds * 1000,
         "the start timer runs the interval", shown);
   Check(state.GpsIntervalSeconds == read.interval.seconds, "the state holds the interval", shown);
-  Check(read.radiusPosition >= -1 && read.radiusPosition <= 11, "the start radius is in the list", shown);
+  Check(read.radiusPosition >= -1 && read.radiusPosition <= 11, "the start radius is in the list",
+        shown);
   Check(state.ComSettings.endsWith(u",N,8,1"), "the line settings end in N,8,1", state.ComSettings);
   const auto number = ComNumberOf(state.ComPort);
-  Check(number && *number == state.ComNumber, "the port number is the one of the port name",
-        state.ComPort + u' ' + QString::number(state.ComNumber));
+  if (IsGpsdSource(state.ComPort)) {
+    Check(state.ComPort == kGpsdSource && state.ComNumber == 1,
+          "gpsd is named as such, with the first port ready",
+          state.ComPort + u' ' + QString::number(state.ComNumber));
+  } else {
+    Check(number && *number == state.ComNumber, "the port number is the one of the port name",
+          state.ComPort + u' ' + QString::number(state.ComNumber));
+  }
   Check(!state.GpsDataSeen, "no GPS data is seen at start", shown);
   return 0;
 }
