@@ -4,8 +4,9 @@
 # checks that it stays flat after the first minute, that the process lives, that it keeps
 # polling (the bytes it reads grow every 10 s; each poll reads a few hundred from the port),
 # that no error box stands open, that the window still answers a menu key at the end, and
-# that the GPS log holds well-formed lines. The log gets a line at the first fix and whenever
-# the own locator field was changed otherwise, so in steady reception it stays short.
+# that the GPS log holds well-formed lines. The log gets a line at the first fix, whenever
+# the own locator field was changed otherwise, and for each square crossed into, so in steady
+# reception it stays short.
 # Not part of CI.
 #   sh tools/soak.sh [seconds]        (BUILD_DIR=build by default; SOAK_KEEP=1 keeps the folder)
 set -eu
