@@ -20,7 +20,7 @@ struct ExchangeResult {
 
   Kind kind = Kind::NoReception;
   QString sentence;   // Sentence: from its "$" up to the next "$G", line end included
-  QString rawBuffer;  // Sentence: the whole receive text if it holds "$GPRMC", else empty
+  QString rawBuffer;  // Sentence: the whole receive text if it holds an RMC, else empty
   QString reason;     // every other kind: what the user is told, in German, without a mark
 
   bool hasSentence() const { return kind == Kind::Sentence; }

@@ -150,10 +150,11 @@ bool SerialExchange::takeChunk() {
   }
   if (waiting <= kChunkThreshold) return false;
   const QString chunk = m_comm.input();
-  if (chunk.isEmpty() || !chunk.contains(u"$GP")) return false;
+  // A chunk counts when a sentence of any talker starts in it ("$GP", "$GN", "$BD", ...).
+  if (chunk.isEmpty() || !HoldsSentenceStart(chunk)) return false;
   switch (m_scanner.add(chunk)) {
     case SentenceScanner::Step::NoKnownType:
-      // Other "$GP" sentences keep the wait going for a while, never past the first deadline.
+      // Other sentences keep the wait going for a while, never past the first deadline.
       armDeadline(std::min(static_cast<double>(m_clock.elapsed()) + kRearmMs, m_boundMs));
       return false;
     case SentenceScanner::Step::Incomplete: return false;

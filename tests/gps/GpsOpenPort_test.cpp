@@ -79,12 +79,21 @@ struct StreamCase {
 TEST_F(GpsOpenPortTest, TakesTheFirstWholeSentenceOfAKnownType) {
   const QByteArray midGga = kGga.mid(30) + kGsa + kRmc + kGll + kGsv;
   const QByteArray head = kGsv + kGsv + kGsa + kGsa + "$GPGGA,1235";
-  const QByteArray junk = QByteArray("$GNGSA,A,3,,,,,,,,,,,,,1.0,1.0,1.0*00\r\n").repeated(8);
+  const QByteArray noise = QByteArray("~~ line noise, 4800 baud on 9600 ~~ $$ 12\r\n").repeated(8);
   const QByteArray tail = kGga.mid(11) + kRmc + kGll + kGsv;
+  // A multi-system receiver: "$GN", "$GL" and "$BD" talkers only.
+  const QByteArray gnGsa = "$GNGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1*27\r\n";
+  const QByteArray glGsv =
+      "$GLGSV,2,1,08,65,40,083,46,66,17,308,41,72,07,344,39,74,22,228,45*69\r\n";
+  const QByteArray gnRmc =
+      "$GNRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*74\r\n";
+  const QByteArray bdGga = "$BDGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*56\r\n";
+  const QByteArray multi = gnGsa + glGsv + glGsv + gnGsa + gnRmc + bdGga;
   const StreamCase cases[] = {
       {"opened in the middle of a GGA", {{kOpenMs, midGga}}, kRmc, midGga},
-      // The middle chunk has no "$GP" and is dropped; the GGA is joined across the gap.
-      {"chunk without $GP", {{kOpenMs, head}, {50, junk}, {50, tail}}, kGga, head + tail},
+      // The middle chunk holds no sentence start and is dropped; the GGA is joined across it.
+      {"chunk of line noise", {{kOpenMs, head}, {50, noise}, {50, tail}}, kGga, head + tail},
+      {"multi-system receiver", {{kOpenMs, multi}}, gnRmc, multi},
   };
   for (const StreamCase& c : cases) {
     SCOPED_TRACE(c.name);
