@@ -1,4 +1,3 @@
-#include "app/Module1.h"
 #include "distance/Compute.h"
 #include "distance/Coordinates.h"
 #include "distance/GreatCircle.h"
@@ -84,10 +83,10 @@ struct Bench : QtReady {
   QLineEdit tbMyLoc, tbFremdLoc, tbMyLg, tbMyBr, tbFremdLg, tbFremdBr;
   QLabel lblEntfernung, lblRichtung;
   QComboBox Combo1;
-  Module1 module;
+  ComputePreferences module;
   ComputeCommand command{ComputeFields{&tbMyLoc, &tbFremdLoc, &tbMyLg, &tbMyBr, &tbFremdLg,
                                        &tbFremdBr, &lblEntfernung, &lblRichtung, &Combo1},
-                         module, [] {}};
+                         [this] { return module; }, [] {}};
   Bench() {
     Combo1.setEditable(true);
     Combo1.setEditText(QStringLiteral("6371,00079"));

@@ -3,7 +3,6 @@
 #include "app/Icons.h"
 #include "app/SettingsStore.h"
 #include "app/frmMain.h"
-#include "locator/QraToCoords.h"
 #include "platform/Timer.h"
 
 #include <QApplication>
@@ -51,16 +50,14 @@ void Main() {
 
   Module1& state = State();
   state.MainForm = new frmMain(state);
-  state.CrLf = QStringLiteral("\r\n");
   const StartupSettings settings = ReadStartupSettings(state);
-  state.KfOffsets = kKfOffsets;
 
   frmMain* window = state.MainForm;
   window->Form_Load();
   window->lbInfo->clear();
   window->Timer1->setInterval(settings.interval.milliseconds);
   window->Combo1->setCurrentIndex(settings.radiusPosition);
-  SetTimerEnabled(window->Timer1, state.GpsStatus != kGpsAus);
+  SetTimerEnabled(window->Timer1, !GpsOff(state));
   if (window->tbMyLoc->text().isEmpty()) window->tbMyLoc->setText(state.MyHomeLoc.trimmed());
   window->show();
   QCoreApplication::processEvents();

@@ -2,7 +2,6 @@
 
 #include <QString>
 
-#include <array>
 #include <cstdint>
 
 namespace marvento {
@@ -13,11 +12,8 @@ class frmMain;
 // Main() fills it from the settings store before the window is loaded.
 struct Module1 {
   frmMain* MainForm = nullptr;
-  // Column (index K) and row (index K + 10) of the small field K of an old QRA locator.
-  std::array<std::int16_t, 21> KfOffsets{};
-  QString CrLf;
   QString ComPort;
-  QString GpsStatus;  // "GPS an" or "GPS aus", compared as exact text
+  QString GpsStatus;    // "GPS an" or "GPS aus", compared as exact text
   QString ComSettings;  // baud rate followed by ",N,8,1"
   QString MyHomeLoc;
   QString GpsdAddress;  // "host:port" of gpsd, used when ComPort is "gpsd"
@@ -33,6 +29,18 @@ struct Module1 {
 
 inline const QString kGpsAn = QStringLiteral("GPS an");
 inline const QString kGpsAus = QStringLiteral("GPS aus");
+
+// Reception is on only for the exact text "GPS an"; it is off only for "GPS aus". A third
+// text (a settings file edited by hand) is neither: the timer starts, but no tick polls.
+inline bool GpsOn(const Module1& state) {
+  return state.GpsStatus == kGpsAn;
+}
+inline bool GpsOff(const Module1& state) {
+  return state.GpsStatus == kGpsAus;
+}
+inline void SetGpsOn(Module1& state, bool on) {
+  state.GpsStatus = on ? kGpsAn : kGpsAus;
+}
 
 // The single instance.
 Module1& State();

@@ -117,7 +117,13 @@ frmMain::frmMain(Module1& state, QWidget* parent)
                              tbFremdBr, lblEntfernung, lblRichtung, Combo1};
   connect(tbMyLoc, &QLineEdit::textChanged, this, &frmMain::tbMyLoc_Change);
 
-  m_sub->compute = std::make_unique<ComputeCommand>(fields, m_state, [this] { WriteGpsLog(); });
+  m_sub->compute = std::make_unique<ComputeCommand>(
+      fields,
+      [this] {
+        return ComputePreferences{m_state.GradDezimal, m_state.Loc10st,
+                                  GpsOn(m_state) && m_state.ProtokollOn};
+      },
+      [this] { WriteGpsLog(); });
 
   const GpsPollView pollView{lbInfo,    lbKurs,    tbMyLoc, tbMyLg, tbMyBr, tbFremdLoc,
                              tbFremdLg, tbFremdBr, Panel1,  Panel2, Timer1, MSComm1};
@@ -657,7 +663,7 @@ void frmMain::ShowHelp() {
 }
 
 void frmMain::ShowAbout() {
-  marvento::ShowAbout(this, Timer1, m_state, [this] { activateAfterDialog(); });
+  marvento::ShowAbout(this, Timer1, GpsOn(m_state), [this] { activateAfterDialog(); });
 }
 
 void frmMain::activateAfterDialog() {
@@ -757,7 +763,7 @@ void frmMain::tbToolBar_ButtonClick(const QString& key) {
 }
 
 void frmMain::Timer1_Timer() {
-  if (m_state.GpsStatus != kGpsAn) return;
+  if (!GpsOn(m_state)) return;
   // A tick while an exchange is waiting starts no second one.
   if (isPolling() || !tbMyLoc->isEnabled()) return;
   startPoll();

@@ -1,6 +1,5 @@
 #include "distance/Compute.h"
 
-#include "app/Module1.h"
 #include "distance/Coordinates.h"
 #include "distance/GreatCircle.h"
 #include "distance/RunError.h"
@@ -58,15 +57,19 @@ Route PickRoute(const ComputeEntries& entry, const ComputeMemory& memory) {
   return Route::F;
 }
 
-ComputeCommand::ComputeCommand(const ComputeFields& fields, Module1& state,
+ComputeCommand::ComputeCommand(const ComputeFields& fields,
+                               std::function<ComputePreferences()> preferences,
                                std::function<void()> writeGpsLog)
-    : m_fields(fields), m_state(state), m_writeGpsLog(std::move(writeGpsLog)) {
+    : m_fields(fields),
+      m_preferences(std::move(preferences)),
+      m_writeGpsLog(std::move(writeGpsLog)) {
   Q_ASSERT(fields.tbMyLoc && fields.tbFremdLoc && fields.tbMyLg && fields.tbMyBr &&
            fields.tbFremdLg && fields.tbFremdBr && fields.lblEntfernung && fields.lblRichtung &&
            fields.Combo1);
 }
 
 void ComputeCommand::Compute() {
+  m_prefs = m_preferences ? m_preferences() : ComputePreferences{};
   m_entry = {};
   m_WorkLoc.clear();
   m_WorkLg = 0;
@@ -145,7 +148,7 @@ ComputeCommand::Step ComputeCommand::OwnCoordsToLocator() {
   if (Step s = ParseCoordinates(); !s.goOn()) return s;
   m_memory.MyBr = m_WorkBr;
   m_memory.MyLg = m_WorkLg;
-  write(m_fields.tbMyLoc, CoordsToLocator(m_WorkLg, m_WorkBr, m_state.Loc10st));
+  write(m_fields.tbMyLoc, CoordsToLocator(m_WorkLg, m_WorkBr, m_prefs.Loc10st));
   // Compared with the field as the command found it, not with the locator just made.
   if (m_memory.LastMyLoc != m_entry.MyLoc) LogIfOn();
   return next();
@@ -157,7 +160,7 @@ ComputeCommand::Step ComputeCommand::RemoteCoordsToLocator() {
   if (Step s = ParseCoordinates(); !s.goOn()) return s;
   m_memory.FremdBr = m_WorkBr;
   m_memory.FremdLg = m_WorkLg;
-  write(m_fields.tbFremdLoc, CoordsToLocator(m_WorkLg, m_WorkBr, m_state.Loc10st));
+  write(m_fields.tbFremdLoc, CoordsToLocator(m_WorkLg, m_WorkBr, m_prefs.Loc10st));
   return next();
 }
 
@@ -169,7 +172,7 @@ ComputeCommand::Step ComputeCommand::ResolveMySide() {
     if (Step s = ParseCoordinates(); !s.goOn()) return s;
     m_memory.MyBr = m_WorkBr;
     m_memory.MyLg = m_WorkLg;
-    m_WorkLoc = CoordsToLocator(m_WorkLg, m_WorkBr, m_state.Loc10st);
+    m_WorkLoc = CoordsToLocator(m_WorkLg, m_WorkBr, m_prefs.Loc10st);
     write(m_fields.tbMyLoc, m_WorkLoc);
   }
   if (Step s = CheckLength(); !s.goOn()) return s;
@@ -210,7 +213,7 @@ ComputeCommand::Step ComputeCommand::LocatorToFields() {
     if (Step s = ParseCoordinates(); !s.goOn()) return s;
     m_memory.FremdBr = m_WorkBr;
     m_memory.FremdLg = m_WorkLg;
-    m_WorkLoc = CoordsToLocator(m_WorkLg, m_WorkBr, m_state.Loc10st);
+    m_WorkLoc = CoordsToLocator(m_WorkLg, m_WorkBr, m_prefs.Loc10st);
     write(m_fields.tbFremdLoc, m_WorkLoc);
   }
   if (Step s = CheckLength(); !s.goOn()) return s;
@@ -235,7 +238,7 @@ ComputeCommand::Step ComputeCommand::SolveDistance() {
     if (Step s = ParseCoordinates(); !s.goOn()) return s;
     m_memory.MyBr = m_WorkBr;
     m_memory.MyLg = m_WorkLg;
-    write(m_fields.tbMyLoc, CoordsToLocator(m_WorkLg, m_WorkBr, m_state.Loc10st));
+    write(m_fields.tbMyLoc, CoordsToLocator(m_WorkLg, m_WorkBr, m_prefs.Loc10st));
   }
   if (!m_memory.FremdBr || !m_memory.FremdLg) {
     m_CoordLg = m_entry.FremdLg;
@@ -243,7 +246,7 @@ ComputeCommand::Step ComputeCommand::SolveDistance() {
     if (Step s = ParseCoordinates(); !s.goOn()) return s;
     m_memory.FremdBr = m_WorkBr;
     m_memory.FremdLg = m_WorkLg;
-    write(m_fields.tbFremdLoc, CoordsToLocator(m_WorkLg, m_WorkBr, m_state.Loc10st));
+    write(m_fields.tbFremdLoc, CoordsToLocator(m_WorkLg, m_WorkBr, m_prefs.Loc10st));
   }
 
   const double myLg = *m_memory.MyLg;
@@ -262,7 +265,7 @@ ComputeCommand::Step ComputeCommand::SolveDistance() {
 }
 
 ComputeCommand::Step ComputeCommand::ParseCoordinates() {
-  const CoordinateRead read = marvento::ParseCoordinates(m_CoordLg, m_CoordBr, m_state.GradDezimal);
+  const CoordinateRead read = marvento::ParseCoordinates(m_CoordLg, m_CoordBr, m_prefs.GradDezimal);
   if (read.ok) {
     m_WorkLg = read.Lg;
     m_WorkBr = read.Br;
@@ -273,17 +276,17 @@ ComputeCommand::Step ComputeCommand::ParseCoordinates() {
 }
 
 ComputeCommand::Step ComputeCommand::WriteCoordinates(QLineEdit* lgField, QLineEdit* brField) {
-  const auto lg = CoordinateText(m_WorkLg, m_state.GradDezimal);
+  const auto lg = CoordinateText(m_WorkLg, m_prefs.GradDezimal);
   if (!lg) return fault(kOverflow);
   write(lgField, *lg);
-  const auto br = CoordinateText(m_WorkBr, m_state.GradDezimal);
+  const auto br = CoordinateText(m_WorkBr, m_prefs.GradDezimal);
   if (!br) return fault(kOverflow);
   write(brField, *br);
   return next();
 }
 
 void ComputeCommand::LogIfOn() {
-  if (m_state.GpsStatus == kGpsAn && m_state.ProtokollOn && m_writeGpsLog) m_writeGpsLog();
+  if (m_prefs.logOn && m_writeGpsLog) m_writeGpsLog();
 }
 
 void ComputeCommand::HandleError(int error) {

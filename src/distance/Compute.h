@@ -11,8 +11,6 @@ class QLineEdit;
 
 namespace marvento {
 
-struct Module1;
-
 // The controls of the main window that the compute command reads and writes. All must be
 // set; Combo1's current text is the earth radius in kilometres.
 struct ComputeFields {
@@ -59,15 +57,23 @@ struct ComputeEntries {
 enum class Route { A, B, C, D, E, F };
 Route PickRoute(const ComputeEntries& entry, const ComputeMemory& memory);
 
+// What the command reads from the preferences at each run.
+struct ComputePreferences {
+  bool GradDezimal = false;  // coordinates in decimal degrees, else degrees, minutes, seconds
+  bool Loc10st = false;      // locators made from coordinates get 10 characters, else 6
+  bool logOn = false;        // GPS reception and the log are both on
+};
+
 // The compute command of the main window: decides between locator and coordinates on each
 // side, fills in the other description, and shows distance and bearing. It reports every
 // refusal to the user itself and never fails its caller. One instance lives as long as the
 // window, since its memory decides the next run.
 class ComputeCommand {
  public:
-  // state supplies GradDezimal, Loc10st, GpsStatus and ProtokollOn at each run;
-  // writeGpsLog is called on the routes that log while GPS reception and the log are on.
-  ComputeCommand(const ComputeFields& fields, Module1& state, std::function<void()> writeGpsLog);
+  // preferences is asked at the start of each run; writeGpsLog is called on the routes that
+  // log while its logOn holds.
+  ComputeCommand(const ComputeFields& fields, std::function<ComputePreferences()> preferences,
+                 std::function<void()> writeGpsLog);
 
   void Compute();
 
@@ -104,7 +110,8 @@ class ComputeCommand {
   void RememberRemote();
 
   ComputeFields m_fields;
-  Module1& m_state;
+  std::function<ComputePreferences()> m_preferences;
+  ComputePreferences m_prefs;
   std::function<void()> m_writeGpsLog;
   ComputeMemory m_memory;
 

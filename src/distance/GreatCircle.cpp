@@ -4,8 +4,6 @@
 #include "platform/Format.h"
 #include "platform/Numbers.h"
 
-#include <QLabel>
-
 #include <cmath>
 
 namespace marvento {
@@ -113,14 +111,6 @@ DistanceBearing SolveDistanceBearing(double MyBr, double FremdBr, double MyLg, d
   if (r.km) out.entfernung = DistanceCaption(*r.km);
   if (r.bearing || r.bearingMeaningless()) out.richtung = BearingCaption(r.bearing);
   return out;
-}
-
-int ShowDistanceBearing(double MyBr, double FremdBr, double MyLg, double FremdLg,
-                        const QString& radiusText, QLabel* lblEntfernung, QLabel* lblRichtung) {
-  const DistanceBearing r = SolveDistanceBearing(MyBr, FremdBr, MyLg, FremdLg, radiusText);
-  if (r.entfernung) lblEntfernung->setText(*r.entfernung);
-  if (r.richtung) lblRichtung->setText(*r.richtung);
-  return r.error;
 }
 
 }  // namespace marvento

@@ -1,10 +1,7 @@
 #include "distance/ReverseBearing.h"
 
 #include "platform/Format.h"
-#include "platform/MsgBox.h"
 #include "platform/Numbers.h"
-
-#include <QLabel>
 
 namespace marvento {
 
@@ -14,12 +11,6 @@ std::optional<QString> ReverseBearingPrompt(const QString& caption) {
   double r = Val(ToDotDecimal(caption)) + 180;
   if (r > 360) r = r - 360;
   return Format(r, u"##0.0#") + QStringLiteral(" °");
-}
-
-void mnuGegenRichtung_Click(const QLabel* lblRichtung) {
-  if (const auto prompt = ReverseBearingPrompt(lblRichtung->text())) {
-    MsgBox(*prompt, vbInformation, QStringLiteral(" Gegenrichtung"));
-  }
 }
 
 }  // namespace marvento

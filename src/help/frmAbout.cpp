@@ -12,7 +12,6 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
-#include "app/Module1.h"
 #include "platform/MsgBox.h"
 #include "platform/Programs.h"
 
@@ -150,16 +149,15 @@ void StartSysInfo() {
   MsgBox(QStringLiteral("Systeminformationsprogramm zur Zeit nicht verfügbar."), vbOKOnly);
 }
 
-void ShowAbout(QWidget* owner, QTimer* timer1, const Module1& state,
-               const std::function<void()>& closed) {
-  if (state.GpsStatus == kGpsAn) timer1->stop();
+void ShowAbout(QWidget* owner, QTimer* timer1, bool gpsOn, const std::function<void()>& closed) {
+  if (gpsOn) timer1->stop();
   {
     frmAbout about(owner);
     about.exec();
   }
   if (closed) closed();
   QCoreApplication::processEvents();
-  if (state.GpsStatus == kGpsAn) SetTimerEnabled(timer1, true);
+  if (gpsOn) SetTimerEnabled(timer1, true);
 }
 
 }  // namespace marvento

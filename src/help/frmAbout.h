@@ -11,8 +11,6 @@ class QTimer;
 
 namespace marvento {
 
-struct Module1;
-
 // System-information programs tried by the Systeminfo button, in this order; the first one
 // found on PATH is started.
 extern const QStringList kSysInfoPrograms;
@@ -44,9 +42,9 @@ class frmAbout : public QDialog {
 // started, tells the user that none is available.
 void StartSysInfo();
 
-// Shows the About box modally over `owner`. With reception on, the poll timer rests while the
-// box is open and runs again afterwards.
-void ShowAbout(QWidget* owner, QTimer* timer1, const Module1& state,
+// Shows the About box modally over `owner`. With reception on (gpsOn), the poll timer rests
+// while the box is open and runs again afterwards.
+void ShowAbout(QWidget* owner, QTimer* timer1, bool gpsOn,
                const std::function<void()>& closed = {});
 
 }  // namespace marvento

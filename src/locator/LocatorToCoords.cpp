@@ -1,7 +1,5 @@
 #include "locator/LocatorToCoords.h"
 
-#include "platform/MsgBox.h"
-
 namespace marvento {
 
 namespace {
@@ -71,18 +69,6 @@ LocatorDecode DecodeLocator(QStringView text) {
   out.Lg = digit3 * 2 + ((c[1] - 65) * 20 - 180) + (c[5] - 65) / 12.0 + part(7, 48, 120) +
            part(9, 65, 2880);
   return out;
-}
-
-bool LocatorToCoords(const QString& text, double& Lg, double& Br) {
-  const LocatorDecode d = DecodeLocator(text);
-  if (d.status != LocatorDecode::BadHead) {
-    Br = d.Br;
-    Lg = d.Lg;
-  }
-  if (d.status == LocatorDecode::Ok) return true;
-  Beep();
-  MsgBox(d.shown, vbExclamation, QStringLiteral(" Falscher Locator !"));
-  return false;
 }
 
 }  // namespace marvento

@@ -1,4 +1,3 @@
-#include "app/Module1.h"
 #include "distance/Compute.h"
 #include "platform/Format.h"
 #include "platform/MsgBoxRecorder.h"
@@ -26,17 +25,16 @@ struct Window {
   QLabel* lblEntfernung = add<QLabel>("lblEntfernung");
   QLabel* lblRichtung = add<QLabel>("lblRichtung");
   QComboBox* Combo1 = add<QComboBox>("Combo1");
-  Module1 state;
+  ComputePreferences state;
   int logWrites = 0;
   ComputeCommand command{ComputeFields{tbMyLoc, tbFremdLoc, tbMyLg, tbMyBr, tbFremdLg, tbFremdBr,
                                        lblEntfernung, lblRichtung, Combo1},
-                         state, [this] { ++logWrites; }};
+                         [this] { return state; }, [this] { ++logWrites; }};
 
   explicit Window(bool gradDezimal = true) {
     Combo1->setEditable(true);
     Combo1->setEditText(Format(6371.00079));
     state.GradDezimal = gradDezimal;
-    state.GpsStatus = kGpsAus;
   }
   template <typename T>
   T* add(const char* name) {
@@ -296,18 +294,16 @@ void tst_Compute::typedCoordinatesThroughLocator() {
 // only with reception and the log both on.
 void tst_Compute::gpsLog() {
   const struct {
-    QString gpsStatus;
-    bool protokollOn;
+    bool logOn;
     QList<int> writes;  // after each step below
   } cases[] = {
-      {kGpsAn, true, {1, 1, 1, 2, 2, 3, 4}},
-      {kGpsAn, false, {0, 0, 0, 0, 0, 0, 0}},
+      {true, {1, 1, 1, 2, 2, 3, 4}},
+      {false, {0, 0, 0, 0, 0, 0, 0}},
   };
   for (const auto& c : cases) {
     Window w;
     MsgBoxRecorder rec;
-    w.state.GpsStatus = c.gpsStatus;
-    w.state.ProtokollOn = c.protokollOn;
+    w.state.logOn = c.logOn;
     const std::function<void()> steps[] = {
         [&] {
           w.type({"jo62qm", "", "", "jo31nk", "", ""});

@@ -6,7 +6,6 @@
 
 #include <functional>
 
-#include "app/Module1.h"
 #include "help/ShowHelp.h"
 #include "help/frmAbout.h"
 #include "platform/MsgBoxRecorder.h"
@@ -117,17 +116,15 @@ void tst_Help::sysInfoWithoutProgramTells() {
 // left as it was.
 void tst_Help::showAboutRestsTimer() {
   const struct {
-    QString gpsStatus;
+    bool gpsOn;
     bool before, during, after;
   } cases[] = {
-      {kGpsAn, true, false, true},
-      {kGpsAn, false, false, true},
-      {kGpsAus, true, true, true},
-      {kGpsAus, false, false, false},
+      {true, true, false, true},
+      {true, false, false, true},
+      {false, true, true, true},
+      {false, false, false, false},
   };
   for (const auto& c : cases) {
-    Module1 state;
-    state.GpsStatus = c.gpsStatus;
     QWidget owner;
     QTimer timer1;
     timer1.setInterval(60000);
@@ -138,7 +135,7 @@ void tst_Help::showAboutRestsTimer() {
       shown = dialog->objectName();
       during = timer1.isActive();
     });
-    ShowAbout(&owner, &timer1, state);
+    ShowAbout(&owner, &timer1, c.gpsOn);
     QCOMPARE(shown, QStringLiteral("frmAbout"));
     QCOMPARE(during, c.during);
     QCOMPARE(timer1.isActive(), c.after);
