@@ -1,6 +1,8 @@
 #include "gps/GpsdReply.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QJsonParseError>
 
 #include <gps.h>
@@ -55,6 +57,36 @@ GpsdFix fixOf(const gps_data_t& data) {
   return fix;
 }
 
+// gpsd names its fields with letters and digits ("class", "altMSL", "PRN"). A name of any
+// other kind, the empty one among them, made libgps loop for ever: such fields are left out,
+// at every depth, before the text reaches it.
+bool gpsdFieldName(const QString& name) {
+  if (name.isEmpty()) return false;
+  for (const QChar c : name) {
+    if (!(c.isDigit() || (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_')) {
+      return false;
+    }
+  }
+  return true;
+}
+
+QJsonValue withGpsdNamesOnly(const QJsonValue& value) {
+  if (value.isObject()) {
+    QJsonObject kept;
+    const QJsonObject object = value.toObject();
+    for (auto it = object.begin(); it != object.end(); ++it) {
+      if (gpsdFieldName(it.key())) kept.insert(it.key(), withGpsdNamesOnly(it.value()));
+    }
+    return kept;
+  }
+  if (value.isArray()) {
+    QJsonArray kept;
+    for (const QJsonValue& element : value.toArray()) kept.append(withGpsdNamesOnly(element));
+    return kept;
+  }
+  return value;
+}
+
 }  // namespace
 
 GpsdReply ReadGpsdReply(QByteArrayView line) {
@@ -66,10 +98,12 @@ GpsdReply ReadGpsdReply(QByteArrayView line) {
   QJsonParseError error;
   const QJsonDocument document = QJsonDocument::fromJson(line.toByteArray(), &error);
   if (error.error != QJsonParseError::NoError || !document.isObject()) return reply;
-  // It also never returned on a well-formed object that repeats "class": it gets the object as
-  // Qt read it, each key once. (gps_unpack wants a writable text with its end mark; the
-  // structure is large, so it lives on the heap.)
-  QByteArray text = document.toJson(QJsonDocument::Compact);
+  // It also never returned on a well-formed object that repeats "class" or has a field without
+  // a name: it gets the object as Qt read it, each key once, gpsd's kind of names only.
+  // (gps_unpack wants a writable text with its end mark; the structure is large, so it lives
+  // on the heap.)
+  QByteArray text =
+      QJsonDocument(withGpsdNamesOnly(document.object()).toObject()).toJson(QJsonDocument::Compact);
   auto data = std::make_unique<gps_data_t>();
   if (gps_unpack(text.data(), data.get()) != 0) return reply;
   if ((data->set & MODE_SET) != 0) {

@@ -20,11 +20,19 @@ TEST(GpsdFuzzRegression, MalformedReplyNeverReachesLibgps) {
   }
 }
 
-// It never returned either on a well-formed object that names its class twice.
-TEST(GpsdFuzzRegression, RepeatedClassKeyNeverReachesLibgps) {
-  const QByteArray line =
+// It never returned either on well-formed objects that name their class twice or have a field
+// without a name; the rest of such a report still counts.
+TEST(GpsdFuzzRegression, OddFieldNamesNeverReachLibgps) {
+  const QByteArray repeated =
       R"({"class":"TPV","mode":4,"class":"VERSION","release":"3.22","proto_major":3})";
-  EXPECT_EQ(ReadGpsdReply(QByteArrayView(line)).kind, GpsdReply::Kind::Other);
+  EXPECT_EQ(ReadGpsdReply(QByteArrayView(repeated)).kind, GpsdReply::Kind::Other);
+  const QByteArray unnamed = R"({"class":"SKY","":[{"PRN":4,"el":40.0,"az":5}]})";
+  const GpsdReply sky = ReadGpsdReply(QByteArrayView(unnamed));
+  EXPECT_EQ(sky.kind, GpsdReply::Kind::Sky);
+  EXPECT_FALSE(sky.satellitesUsed.has_value());
+  const QByteArray nested =
+      R"({"class":"TPV","mode":2,"lat":48.1173,"lon":11.5167,"x":[{"":1,"a b":{"":[]}}]})";
+  EXPECT_EQ(ReadGpsdReply(QByteArrayView(nested)).kind, GpsdReply::Kind::Tpv);
   // The same report without the repetition is still a fix.
   const QByteArray once = R"({"class":"TPV","mode":2,"lat":48.1173,"lon":11.5167})";
   const GpsdReply reply = ReadGpsdReply(QByteArrayView(once));
