@@ -214,7 +214,7 @@ Source (default: a generated track, UTC time from the system clock):
   --dropout-every S    length of that period in seconds (default 60)
   --dropout-satellites N  satellites reported while the fix is lost (default 0)
   --talker XX          talker of GGA, GSA, RMC and GLL (default GP); GN gives a
-                       multi-system receiver, whose sentences Marvento ignores
+                       multi-system receiver (Marvento reads every talker)
   --seed N             seed for the height noise, for repeatable runs
 
   -h, --help           show this help and exit
