@@ -4,6 +4,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonParseError>
+#include <QSet>
 
 #include <gps.h>
 
@@ -57,34 +58,49 @@ GpsdFix fixOf(const gps_data_t& data) {
   return fix;
 }
 
-// gpsd names its fields with letters and digits ("class", "altMSL", "PRN"). A name of any
-// other kind, the empty one among them, made libgps loop for ever: such fields are left out,
-// at every depth, before the text reaches it.
-bool gpsdFieldName(const QString& name) {
-  if (name.isEmpty()) return false;
-  for (const QChar c : name) {
-    if (!(c.isDigit() || (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_')) {
-      return false;
-    }
-  }
-  return true;
+// libgps 3.22 loops for ever on many odd but well-formed objects (a field without a name, a
+// name longer than its buffer, a repeated "class"). It is handed only the fields Marvento
+// reads, by their names, each once, with plain values: a report can lose nothing it needs.
+bool reportField(const QString& name) {
+  static const QSet<QString> names = {
+      QStringLiteral("class"), QStringLiteral("device"), QStringLiteral("mode"),
+      QStringLiteral("time"),  QStringLiteral("lat"),    QStringLiteral("lon"),
+      QStringLiteral("alt"),   QStringLiteral("altMSL"), QStringLiteral("altHAE"),
+      QStringLiteral("speed"), QStringLiteral("track"),  QStringLiteral("nSat"),
+      QStringLiteral("uSat")};
+  return names.contains(name);
 }
 
-QJsonValue withGpsdNamesOnly(const QJsonValue& value) {
-  if (value.isObject()) {
-    QJsonObject kept;
-    const QJsonObject object = value.toObject();
-    for (auto it = object.begin(); it != object.end(); ++it) {
-      if (gpsdFieldName(it.key())) kept.insert(it.key(), withGpsdNamesOnly(it.value()));
+bool satelliteField(const QString& name) {
+  static const QSet<QString> names = {QStringLiteral("PRN"), QStringLiteral("el"),
+                                      QStringLiteral("az"), QStringLiteral("ss"),
+                                      QStringLiteral("used")};
+  return names.contains(name);
+}
+
+bool plain(const QJsonValue& value) {
+  return value.isString() || value.isDouble() || value.isBool();
+}
+
+QJsonObject knownFieldsOnly(const QJsonObject& report) {
+  QJsonObject kept;
+  for (auto it = report.begin(); it != report.end(); ++it) {
+    if (reportField(it.key()) && plain(it.value())) kept.insert(it.key(), it.value());
+  }
+  const QJsonValue satellites = report.value(QStringLiteral("satellites"));
+  if (satellites.isArray()) {
+    QJsonArray list;
+    for (const QJsonValue& entry : satellites.toArray()) {
+      QJsonObject satellite;
+      const QJsonObject given = entry.toObject();
+      for (auto it = given.begin(); it != given.end(); ++it) {
+        if (satelliteField(it.key()) && plain(it.value())) satellite.insert(it.key(), it.value());
+      }
+      list.append(satellite);
     }
-    return kept;
+    kept.insert(QStringLiteral("satellites"), list);
   }
-  if (value.isArray()) {
-    QJsonArray kept;
-    for (const QJsonValue& element : value.toArray()) kept.append(withGpsdNamesOnly(element));
-    return kept;
-  }
-  return value;
+  return kept;
 }
 
 }  // namespace
@@ -98,12 +114,10 @@ GpsdReply ReadGpsdReply(QByteArrayView line) {
   QJsonParseError error;
   const QJsonDocument document = QJsonDocument::fromJson(line.toByteArray(), &error);
   if (error.error != QJsonParseError::NoError || !document.isObject()) return reply;
-  // It also never returned on a well-formed object that repeats "class" or has a field without
-  // a name: it gets the object as Qt read it, each key once, gpsd's kind of names only.
-  // (gps_unpack wants a writable text with its end mark; the structure is large, so it lives
-  // on the heap.)
+  // gps_unpack wants a writable text with its end mark; the structure is large, so it lives on
+  // the heap.
   QByteArray text =
-      QJsonDocument(withGpsdNamesOnly(document.object()).toObject()).toJson(QJsonDocument::Compact);
+      QJsonDocument(knownFieldsOnly(document.object())).toJson(QJsonDocument::Compact);
   auto data = std::make_unique<gps_data_t>();
   if (gps_unpack(text.data(), data.get()) != 0) return reply;
   if ((data->set & MODE_SET) != 0) {
