@@ -4,12 +4,13 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonParseError>
-#include <QSet>
+#include <QRegularExpression>
 
 #include <gps.h>
 
 #include <cmath>
 #include <memory>
+#include <optional>
 
 namespace marvento {
 
@@ -59,43 +60,48 @@ GpsdFix fixOf(const gps_data_t& data) {
 }
 
 // libgps 3.22 loops for ever on many odd but well-formed objects (a field without a name, a
-// name longer than its buffer, a repeated "class"). It is handed only the fields Marvento
-// reads, by their names, each once, with plain values: a report can lose nothing it needs.
-bool reportField(const QString& name) {
-  static const QSet<QString> names = {
-      QStringLiteral("class"), QStringLiteral("device"), QStringLiteral("mode"),
-      QStringLiteral("time"),  QStringLiteral("lat"),    QStringLiteral("lon"),
-      QStringLiteral("alt"),   QStringLiteral("altMSL"), QStringLiteral("altHAE"),
-      QStringLiteral("speed"), QStringLiteral("track"),  QStringLiteral("nSat"),
-      QStringLiteral("uSat")};
-  return names.contains(name);
+// name longer than its buffer, a repeated "class", a text where a number belongs). It is handed
+// a report of gpsd's own shape, built from the fields Marvento reads and checked value by value:
+// a TPV or SKY class, numbers where gpsd writes numbers, a time in gpsd's form. Anything else
+// is left out; a report can lose nothing it needs.
+bool gpsdTime(const QString& text) {
+  static const QRegularExpression form(
+      QStringLiteral("^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}(\\.[0-9]{1,9})?Z$"));
+  return form.match(text).hasMatch();
 }
 
-bool satelliteField(const QString& name) {
-  static const QSet<QString> names = {QStringLiteral("PRN"), QStringLiteral("el"),
-                                      QStringLiteral("az"), QStringLiteral("ss"),
-                                      QStringLiteral("used")};
-  return names.contains(name);
-}
-
-bool plain(const QJsonValue& value) {
-  return value.isString() || value.isDouble() || value.isBool();
-}
-
-QJsonObject knownFieldsOnly(const QJsonObject& report) {
-  QJsonObject kept;
-  for (auto it = report.begin(); it != report.end(); ++it) {
-    if (reportField(it.key()) && plain(it.value())) kept.insert(it.key(), it.value());
+void copyNumbers(const QJsonObject& from, QJsonObject& to,
+                 std::initializer_list<const char*> names) {
+  for (const char* name : names) {
+    const QJsonValue value = from.value(QLatin1String(name));
+    if (value.isDouble() && std::isfinite(value.toDouble())) to.insert(QLatin1String(name), value);
   }
+}
+
+std::optional<QJsonObject> gpsdShaped(const QJsonObject& report) {
+  const QString kind = report.value(QStringLiteral("class")).toString();
+  if (kind != u"TPV" && kind != u"SKY") return std::nullopt;
+  QJsonObject kept;
+  kept.insert(QStringLiteral("class"), kind);
+  if (kind == u"TPV") {
+    const double mode = report.value(QStringLiteral("mode")).toDouble(-1);
+    if (mode != std::floor(mode) || mode < 0 || mode > 3) return std::nullopt;
+    kept.insert(QStringLiteral("mode"), static_cast<int>(mode));
+    const QJsonValue time = report.value(QStringLiteral("time"));
+    if (time.isString() && gpsdTime(time.toString())) kept.insert(QStringLiteral("time"), time);
+    copyNumbers(report, kept, {"lat", "lon", "alt", "altMSL", "altHAE", "speed", "track"});
+    return kept;
+  }
+  copyNumbers(report, kept, {"nSat", "uSat"});
   const QJsonValue satellites = report.value(QStringLiteral("satellites"));
   if (satellites.isArray()) {
     QJsonArray list;
     for (const QJsonValue& entry : satellites.toArray()) {
-      QJsonObject satellite;
       const QJsonObject given = entry.toObject();
-      for (auto it = given.begin(); it != given.end(); ++it) {
-        if (satelliteField(it.key()) && plain(it.value())) satellite.insert(it.key(), it.value());
-      }
+      QJsonObject satellite;
+      copyNumbers(given, satellite, {"PRN", "el", "az", "ss"});
+      const QJsonValue used = given.value(QStringLiteral("used"));
+      if (used.isBool()) satellite.insert(QStringLiteral("used"), used);
       list.append(satellite);
     }
     kept.insert(QStringLiteral("satellites"), list);
@@ -116,8 +122,9 @@ GpsdReply ReadGpsdReply(QByteArrayView line) {
   if (error.error != QJsonParseError::NoError || !document.isObject()) return reply;
   // gps_unpack wants a writable text with its end mark; the structure is large, so it lives on
   // the heap.
-  QByteArray text =
-      QJsonDocument(knownFieldsOnly(document.object())).toJson(QJsonDocument::Compact);
+  const std::optional<QJsonObject> shaped = gpsdShaped(document.object());
+  if (!shaped) return reply;
+  QByteArray text = QJsonDocument(*shaped).toJson(QJsonDocument::Compact);
   auto data = std::make_unique<gps_data_t>();
   if (gps_unpack(text.data(), data.get()) != 0) return reply;
   if ((data->set & MODE_SET) != 0) {
