@@ -1,4 +1,4 @@
-#include "distance/Compute.h"
+#include "distance/ComputeCommand.h"
 #include "distance/Coordinates.h"
 #include "distance/GreatCircle.h"
 #include "platform/MsgBoxRecorder.h"

@@ -4,7 +4,7 @@
 #include "app/Icons.h"
 #include "app/InstanceGuard.h"
 #include "app/SettingsStore.h"
-#include "distance/Compute.h"
+#include "distance/ComputeCommand.h"
 #include "distance/ReverseBearing.h"
 #include "gps/EntryLock.h"
 #include "gps/GpsExchange.h"

@@ -6,17 +6,14 @@
 #include "locator/CoordsToLocator.h"
 #include "locator/LocatorToCoords.h"
 #include "locator/QraToCoords.h"
-#include "platform/MsgBox.h"
-
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
 
 #include <cmath>
 
 namespace marvento {
 
 namespace {
+
+using F = ComputeField;
 
 // Blanks only: a tab or line end typed into a field is part of the entry.
 QString trimBlanks(const QString& text) {
@@ -34,294 +31,308 @@ QString upperCase(QString text) {
   return text;
 }
 
-const QString kIncomplete = QStringLiteral(" Unvollständige Eingabe !");
+constexpr int kExclamation = 48;
+constexpr int kInformation = 64;
 
-// A field that the command writes shows its text from the start, degrees and the first
-// letters of a locator first, also where the text is the one it held already.
-void write(QLineEdit* field, const QString& text) {
-  field->setText(text);
-  field->setCursorPosition(0);
+struct Position {
+  double Lg = 0;
+  double Br = 0;
+};
+
+enum class Side { Own, Remote };
+
+// How a step ended: go on, the run ends (its refusal is in the outcome), or a run-time
+// error that the run's end turns into a beep and perhaps a remark.
+struct [[nodiscard]] Step {
+  enum Kind { Next, End, Fault };
+  Kind kind = Next;
+  int error = 0;
+  bool goOn() const { return kind == Next; }
+};
+constexpr Step next() {
+  return {};
+}
+constexpr Step end() {
+  return {Step::End, 0};
+}
+constexpr Step fault(int error) {
+  return {Step::Fault, error};
+}
+
+// A position, or the step that ended the run instead.
+struct Located {
+  Position at;
+  Step step;
+};
+
+// One run: what was typed, what it decides.
+struct Run {
+  const ComputeTexts entry;  // the field texts without blanks at both ends
+  const ComputePreferences prefs;
+  ComputeOutcome out;
+
+  void write(F field, const QString& text) {
+    out.fields[field] = text;
+    out.written[static_cast<std::size_t>(field)] = true;
+  }
+  Step refuse(const QString& prompt, const QString& title, bool beep,
+              std::optional<F> focus = std::nullopt) {
+    out.beep = beep;
+    out.refusal = ComputeRefusal{prompt, title, kExclamation, focus};
+    return end();
+  }
+  void logIfOn() {
+    if (prefs.logOn) out.writeLog = true;
+  }
+  void remember(Side side) {
+    const QString loc = trimBlanks(out.fields[side == Side::Own ? F::MyLoc : F::FremdLoc]);
+    const QString lg = trimBlanks(out.fields[side == Side::Own ? F::MyLg : F::FremdLg]);
+    const QString br = trimBlanks(out.fields[side == Side::Own ? F::MyBr : F::FremdBr]);
+    ComputeMemory& m = out.memory;
+    (side == Side::Own ? m.LastMyLoc : m.LastFremdLoc) = loc;
+    (side == Side::Own ? m.LastMyLg : m.LastFremdLg) = lg;
+    (side == Side::Own ? m.LastMyBr : m.LastFremdBr) = br;
+  }
+  void rememberAll(bool capitals) {
+    remember(Side::Own);
+    remember(Side::Remote);
+    if (capitals) {
+      out.memory.LastFremdLoc = upperCase(out.memory.LastFremdLoc);
+      out.memory.LastMyLoc = upperCase(out.memory.LastMyLoc);
+    }
+  }
+  void setPosition(Side side, Position p) {
+    ComputeMemory& m = out.memory;
+    (side == Side::Own ? m.MyLg : m.FremdLg) = p.Lg;
+    (side == Side::Own ? m.MyBr : m.FremdBr) = p.Br;
+  }
+};
+
+Located readCoordinates(Run& run, const QString& lgText, const QString& brText) {
+  const CoordinateRead read = ParseCoordinates(lgText, brText, run.prefs.GradDezimal);
+  if (!read.ok) return {{}, run.refuse(read.prompt, kCoordinateTitle, false)};
+  return {{read.Lg, read.Br}, next()};
+}
+
+Step checkLength(Run& run, const QString& loc) {
+  if (loc.size() >= 5 && loc.size() <= 10) return next();
+  return run.refuse(loc, QStringLiteral(" Falsche Eingabe !"), true);
+}
+
+Step writeCoordinates(Run& run, Side side, Position p) {
+  const auto lg = CoordinateText(p.Lg, run.prefs.GradDezimal);
+  if (!lg) return fault(kOverflow);
+  run.write(side == Side::Own ? F::MyLg : F::FremdLg, *lg);
+  const auto br = CoordinateText(p.Br, run.prefs.GradDezimal);
+  if (!br) return fault(kOverflow);
+  run.write(side == Side::Own ? F::MyBr : F::FremdBr, *br);
+  return next();
+}
+
+// The coordinates of a side from its locator: the old QRA form has five characters, a
+// Maidenhead locator six to ten. An empty remote locator is made from the remote coordinates.
+Located locatorToFields(Run& run, QString loc, Side side) {
+  Position at;
+  if (loc.size() == 5) {
+    const QString error = QraToCoords(loc, at.Lg, at.Br);
+    if (!error.isEmpty()) return {{}, run.refuse(loc, error, true)};
+  }
+  if (loc.isEmpty() && !run.entry[F::FremdLg].isEmpty() && !run.entry[F::FremdBr].isEmpty()) {
+    const Located typed = readCoordinates(run, run.entry[F::FremdLg], run.entry[F::FremdBr]);
+    if (!typed.step.goOn()) return typed;
+    run.setPosition(Side::Remote, typed.at);
+    loc = CoordsToLocator(typed.at.Lg, typed.at.Br, run.prefs.Loc10st);
+    run.write(F::FremdLoc, loc);
+  }
+  if (Step s = checkLength(run, loc); !s.goOn()) return {{}, s};
+  if (loc.size() > 5) {
+    const LocatorDecode d = DecodeLocator(loc);
+    if (d.status != LocatorDecode::Ok) {
+      return {{}, run.refuse(d.shown, QStringLiteral(" Falscher Locator !"), true)};
+    }
+    at = {d.Lg, d.Br};
+  }
+  return {at, writeCoordinates(run, side, at)};
+}
+
+Step ownCoordsToLocator(Run& run) {
+  const Located typed = readCoordinates(run, run.entry[F::MyLg], run.entry[F::MyBr]);
+  if (!typed.step.goOn()) return typed.step;
+  run.setPosition(Side::Own, typed.at);
+  run.write(F::MyLoc, CoordsToLocator(typed.at.Lg, typed.at.Br, run.prefs.Loc10st));
+  // Compared with the field as the run found it, not with the locator just made.
+  if (run.out.memory.LastMyLoc != run.entry[F::MyLoc]) run.logIfOn();
+  return next();
+}
+
+Step remoteCoordsToLocator(Run& run) {
+  const Located typed = readCoordinates(run, run.entry[F::FremdLg], run.entry[F::FremdBr]);
+  if (!typed.step.goOn()) return typed.step;
+  run.setPosition(Side::Remote, typed.at);
+  run.write(F::FremdLoc, CoordsToLocator(typed.at.Lg, typed.at.Br, run.prefs.Loc10st));
+  return next();
+}
+
+Step resolveOwnSide(Run& run) {
+  QString loc = run.entry[F::MyLoc];
+  if (loc.isEmpty() && !run.entry[F::MyLg].isEmpty() && !run.entry[F::MyBr].isEmpty()) {
+    const Located typed = readCoordinates(run, run.entry[F::MyLg], run.entry[F::MyBr]);
+    if (!typed.step.goOn()) return typed.step;
+    run.setPosition(Side::Own, typed.at);
+    loc = CoordsToLocator(typed.at.Lg, typed.at.Br, run.prefs.Loc10st);
+    run.write(F::MyLoc, loc);
+  }
+  if (Step s = checkLength(run, loc); !s.goOn()) return s;
+  loc = upperCase(loc);
+  const Located decoded = locatorToFields(run, loc, Side::Own);
+  if (!decoded.step.goOn()) return decoded.step;
+  run.setPosition(Side::Own, decoded.at);
+  run.write(F::MyLoc, loc);
+  return next();
+}
+
+Step resolveRemoteSide(Run& run) {
+  const QString typed = run.entry[F::FremdLoc];
+  // "+" stands for "no remote station yet": nothing to show, nothing to say.
+  if (typed == u"+") return end();
+  const QString loc = upperCase(typed);
+  run.write(F::FremdLoc, loc);
+  const Located decoded = locatorToFields(run, loc, Side::Remote);
+  if (!decoded.step.goOn()) return decoded.step;
+  run.setPosition(Side::Remote, decoded.at);
+  return next();
+}
+
+Step solveDistance(Run& run, const QString& radiusText) {
+  ComputeMemory& m = run.out.memory;
+  // A side without numbers yet: the first run after start can reach here through the
+  // coordinate routes with the other side typed but not yet read.
+  if (!m.MyBr || !m.MyLg) {
+    const Located typed = readCoordinates(run, run.entry[F::MyLg], run.entry[F::MyBr]);
+    if (!typed.step.goOn()) return typed.step;
+    run.setPosition(Side::Own, typed.at);
+    run.write(F::MyLoc, CoordsToLocator(typed.at.Lg, typed.at.Br, run.prefs.Loc10st));
+  }
+  if (!m.FremdBr || !m.FremdLg) {
+    const Located typed = readCoordinates(run, run.entry[F::FremdLg], run.entry[F::FremdBr]);
+    if (!typed.step.goOn()) return typed.step;
+    run.setPosition(Side::Remote, typed.at);
+    run.write(F::FremdLoc, CoordsToLocator(typed.at.Lg, typed.at.Br, run.prefs.Loc10st));
+  }
+
+  const double dLg = *m.MyLg - *m.FremdLg;
+  const double dBr = *m.MyBr - *m.FremdBr;
+  if (std::fabs(dLg) < 8.33e-07 && std::fabs(dBr) < 1.27e-06) return fault(kDivisionByZero);
+  if (std::fabs(dLg) > 360 && std::fabs(dBr) > 180) return fault(kInvalidCall);
+
+  const DistanceBearing r =
+      SolveDistanceBearing(*m.MyBr, *m.FremdBr, *m.MyLg, *m.FremdLg, radiusText);
+  run.out.entfernung = r.entfernung;
+  run.out.richtung = r.richtung;
+  return r.error ? fault(r.error) : next();
+}
+
+// The routes, step by step. Each ends by remembering what the window shows.
+Step runRoute(Run& run, const QString& radiusText) {
+  Step s;
+  switch (run.out.route) {
+    case Route::BothLocators:
+      if (s = resolveOwnSide(run); !s.goOn()) return s;
+      if (s = resolveRemoteSide(run); !s.goOn()) return s;
+      if (s = solveDistance(run, radiusText); !s.goOn()) return s;
+      run.logIfOn();
+      run.rememberAll(true);
+      break;
+    case Route::OwnCoordinates:
+      if (s = ownCoordsToLocator(run); !s.goOn()) return s;
+      if (s = solveDistance(run, radiusText); !s.goOn()) return s;
+      run.rememberAll(true);
+      break;
+    case Route::RemoteLocator:
+      if (s = resolveRemoteSide(run); !s.goOn()) return s;
+      if (s = solveDistance(run, radiusText); !s.goOn()) return s;
+      run.remember(Side::Remote);
+      break;
+    case Route::RemoteCoordinates:
+      if (s = remoteCoordsToLocator(run); !s.goOn()) return s;
+      if (s = solveDistance(run, radiusText); !s.goOn()) return s;
+      run.remember(Side::Remote);
+      break;
+    case Route::OwnLocator:
+      if (s = resolveOwnSide(run); !s.goOn()) return s;
+      if (s = solveDistance(run, radiusText); !s.goOn()) return s;
+      run.logIfOn();
+      run.remember(Side::Own);
+      break;
+    case Route::Unchanged:
+      if (s = solveDistance(run, radiusText); !s.goOn()) return s;
+      run.rememberAll(true);
+      break;
+  }
+  return next();
+}
+
+// A run-time error remembers the fields as they stand and beeps; two of them have a remark.
+void settleFault(Run& run, int error) {
+  run.rememberAll(false);
+  run.out.beep = true;
+  if (error == kInvalidCall) {
+    run.out.entfernung = QStringLiteral(" > 20000 km ");
+    run.out.refusal =
+        ComputeRefusal{QStringLiteral("Entfernung: > 20000 km"),
+                       QStringLiteral(" Bitte auf astronomische Navigation übergehen ! "),
+                       kInformation, std::nullopt};
+  } else if (error == kDivisionByZero) {
+    run.out.entfernung = QStringLiteral(" 0 ");
+    run.out.refusal =
+        ComputeRefusal{QStringLiteral("Entfernung: < 1 m"),
+                       QStringLiteral(" Bitte Bandmaß benutzen ! "), kInformation, std::nullopt};
+  }
 }
 
 }  // namespace
 
-Route PickRoute(const ComputeEntries& entry, const ComputeMemory& memory) {
-  if (entry.MyLg.isEmpty() || entry.MyBr.isEmpty() || entry.FremdLg.isEmpty() ||
-      entry.FremdBr.isEmpty()) {
-    return Route::A;
+Route PickRoute(const ComputeTexts& entry, const ComputeMemory& memory) {
+  if (entry[F::MyLg].isEmpty() || entry[F::MyBr].isEmpty() || entry[F::FremdLg].isEmpty() ||
+      entry[F::FremdBr].isEmpty()) {
+    return Route::BothLocators;
   }
-  if (entry.MyLg != memory.LastMyLg || entry.MyBr != memory.LastMyBr) return Route::B;
-  if (entry.FremdLoc.isEmpty() || entry.FremdLoc != memory.LastFremdLoc) return Route::C;
-  if (entry.FremdLg != memory.LastFremdLg || entry.FremdBr != memory.LastFremdBr) return Route::D;
-  if (entry.MyLoc.isEmpty() || entry.MyLoc != memory.LastMyLoc) return Route::E;
-  return Route::F;
-}
-
-ComputeCommand::ComputeCommand(const ComputeFields& fields,
-                               std::function<ComputePreferences()> preferences,
-                               std::function<void()> writeGpsLog)
-    : m_fields(fields),
-      m_preferences(std::move(preferences)),
-      m_writeGpsLog(std::move(writeGpsLog)) {
-  Q_ASSERT(fields.tbMyLoc && fields.tbFremdLoc && fields.tbMyLg && fields.tbMyBr &&
-           fields.tbFremdLg && fields.tbFremdBr && fields.lblEntfernung && fields.lblRichtung &&
-           fields.Combo1);
-}
-
-void ComputeCommand::Compute() {
-  m_prefs = m_preferences ? m_preferences() : ComputePreferences{};
-  m_entry = {};
-  m_WorkLoc.clear();
-  m_WorkLg = 0;
-  m_WorkBr = 0;
-  m_CoordLg.clear();
-  m_CoordBr.clear();
-  m_MySide = false;
-
-  const Step step = Run();
-  if (step.kind == Step::Fault) HandleError(step.error);
-}
-
-ComputeCommand::Step ComputeCommand::Run() {
-  const ComputeFields& f = m_fields;
-  m_entry.FremdLoc = trimBlanks(f.tbFremdLoc->text());
-  m_entry.MyLoc = trimBlanks(f.tbMyLoc->text());
-  m_entry.MyLg = trimBlanks(f.tbMyLg->text());
-  m_entry.MyBr = trimBlanks(f.tbMyBr->text());
-  m_entry.FremdLg = trimBlanks(f.tbFremdLg->text());
-  m_entry.FremdBr = trimBlanks(f.tbFremdBr->text());
-
-  if (m_entry.MyLoc.isEmpty() && (m_entry.MyLg.isEmpty() || m_entry.MyBr.isEmpty())) {
-    Beep();
-    MsgBox(QStringLiteral("Mein Locator"), vbExclamation, kIncomplete);
-    f.tbMyLoc->setFocus();
-    return end();
+  if (entry[F::MyLg] != memory.LastMyLg || entry[F::MyBr] != memory.LastMyBr) {
+    return Route::OwnCoordinates;
   }
-  if (m_entry.FremdLoc.isEmpty() && (m_entry.FremdLg.isEmpty() || m_entry.FremdBr.isEmpty())) {
-    Beep();
-    MsgBox(QStringLiteral("Fremdlocator"), vbExclamation, kIncomplete);
-    f.tbFremdLoc->setFocus();
-    return end();
+  if (entry[F::FremdLoc].isEmpty() || entry[F::FremdLoc] != memory.LastFremdLoc) {
+    return Route::RemoteLocator;
+  }
+  if (entry[F::FremdLg] != memory.LastFremdLg || entry[F::FremdBr] != memory.LastFremdBr) {
+    return Route::RemoteCoordinates;
+  }
+  if (entry[F::MyLoc].isEmpty() || entry[F::MyLoc] != memory.LastMyLoc) return Route::OwnLocator;
+  return Route::Unchanged;
+}
+
+ComputeOutcome DecideCompute(const ComputeTexts& fields, const QString& radiusText,
+                             const ComputeMemory& memory, const ComputePreferences& preferences) {
+  ComputeTexts entry;
+  for (std::size_t i = 0; i < kComputeFieldCount; ++i) entry.text[i] = trimBlanks(fields.text[i]);
+  Run run{entry, preferences, {}};
+  run.out.fields = fields;
+  run.out.memory = memory;
+
+  const QString incomplete = QStringLiteral(" Unvollständige Eingabe !");
+  if (entry[F::MyLoc].isEmpty() && (entry[F::MyLg].isEmpty() || entry[F::MyBr].isEmpty())) {
+    (void)run.refuse(QStringLiteral("Mein Locator"), incomplete, true, F::MyLoc);
+    return run.out;
+  }
+  if (entry[F::FremdLoc].isEmpty() &&
+      (entry[F::FremdLg].isEmpty() || entry[F::FremdBr].isEmpty())) {
+    (void)run.refuse(QStringLiteral("Fremdlocator"), incomplete, true, F::FremdLoc);
+    return run.out;
   }
 
-  Step s;
-  switch (PickRoute(m_entry, m_memory)) {
-    case Route::A:
-      if (s = ResolveMySide(); !s.goOn()) return s;
-      if (s = ResolveFremdSide(); !s.goOn()) return s;
-      if (s = SolveDistance(); !s.goOn()) return s;
-      LogIfOn();
-      RememberAll(true);
-      break;
-    case Route::B:
-      if (s = OwnCoordsToLocator(); !s.goOn()) return s;
-      if (s = SolveDistance(); !s.goOn()) return s;
-      RememberAll(true);
-      break;
-    case Route::C:
-      if (s = ResolveFremdSide(); !s.goOn()) return s;
-      if (s = SolveDistance(); !s.goOn()) return s;
-      RememberRemote();
-      break;
-    case Route::D:
-      if (s = RemoteCoordsToLocator(); !s.goOn()) return s;
-      if (s = SolveDistance(); !s.goOn()) return s;
-      RememberRemote();
-      break;
-    case Route::E:
-      if (s = ResolveMySide(); !s.goOn()) return s;
-      if (s = SolveDistance(); !s.goOn()) return s;
-      LogIfOn();
-      RememberOwn();
-      break;
-    case Route::F:
-      if (s = SolveDistance(); !s.goOn()) return s;
-      RememberAll(true);
-      break;
-  }
-  return next();
-}
-
-ComputeCommand::Step ComputeCommand::OwnCoordsToLocator() {
-  m_CoordLg = m_entry.MyLg;
-  m_CoordBr = m_entry.MyBr;
-  if (Step s = ParseCoordinates(); !s.goOn()) return s;
-  m_memory.MyBr = m_WorkBr;
-  m_memory.MyLg = m_WorkLg;
-  write(m_fields.tbMyLoc, CoordsToLocator(m_WorkLg, m_WorkBr, m_prefs.Loc10st));
-  // Compared with the field as the command found it, not with the locator just made.
-  if (m_memory.LastMyLoc != m_entry.MyLoc) LogIfOn();
-  return next();
-}
-
-ComputeCommand::Step ComputeCommand::RemoteCoordsToLocator() {
-  m_CoordLg = m_entry.FremdLg;
-  m_CoordBr = m_entry.FremdBr;
-  if (Step s = ParseCoordinates(); !s.goOn()) return s;
-  m_memory.FremdBr = m_WorkBr;
-  m_memory.FremdLg = m_WorkLg;
-  write(m_fields.tbFremdLoc, CoordsToLocator(m_WorkLg, m_WorkBr, m_prefs.Loc10st));
-  return next();
-}
-
-ComputeCommand::Step ComputeCommand::ResolveMySide() {
-  m_WorkLoc = m_entry.MyLoc;
-  if (m_WorkLoc.isEmpty() && !m_entry.MyLg.isEmpty() && !m_entry.MyBr.isEmpty()) {
-    m_CoordLg = m_entry.MyLg;
-    m_CoordBr = m_entry.MyBr;
-    if (Step s = ParseCoordinates(); !s.goOn()) return s;
-    m_memory.MyBr = m_WorkBr;
-    m_memory.MyLg = m_WorkLg;
-    m_WorkLoc = CoordsToLocator(m_WorkLg, m_WorkBr, m_prefs.Loc10st);
-    write(m_fields.tbMyLoc, m_WorkLoc);
-  }
-  if (Step s = CheckLength(); !s.goOn()) return s;
-  m_MySide = true;
-  m_WorkLoc = upperCase(m_WorkLoc);
-  if (Step s = LocatorToFields(); !s.goOn()) return s;
-  m_memory.MyBr = m_WorkBr;
-  m_memory.MyLg = m_WorkLg;
-  write(m_fields.tbMyLoc, m_WorkLoc);
-  return next();
-}
-
-ComputeCommand::Step ComputeCommand::ResolveFremdSide() {
-  m_MySide = false;
-  m_WorkLoc = m_entry.FremdLoc;
-  // "+" stands for "no remote station yet": nothing to show, nothing to say.
-  if (m_WorkLoc == u"+") return end();
-  m_WorkLoc = upperCase(m_WorkLoc);
-  write(m_fields.tbFremdLoc, m_WorkLoc);
-  if (Step s = LocatorToFields(); !s.goOn()) return s;
-  m_memory.FremdBr = m_WorkBr;
-  m_memory.FremdLg = m_WorkLg;
-  return next();
-}
-
-ComputeCommand::Step ComputeCommand::LocatorToFields() {
-  if (m_WorkLoc.size() == 5) {
-    const QString error = QraToCoords(m_WorkLoc, m_WorkLg, m_WorkBr);
-    if (!error.isEmpty()) {
-      Beep();
-      MsgBox(m_WorkLoc, vbExclamation, error);
-      return end();
-    }
-  }
-  if (m_WorkLoc.isEmpty() && !m_entry.FremdLg.isEmpty() && !m_entry.FremdBr.isEmpty()) {
-    m_CoordLg = m_entry.FremdLg;
-    m_CoordBr = m_entry.FremdBr;
-    if (Step s = ParseCoordinates(); !s.goOn()) return s;
-    m_memory.FremdBr = m_WorkBr;
-    m_memory.FremdLg = m_WorkLg;
-    m_WorkLoc = CoordsToLocator(m_WorkLg, m_WorkBr, m_prefs.Loc10st);
-    write(m_fields.tbFremdLoc, m_WorkLoc);
-  }
-  if (Step s = CheckLength(); !s.goOn()) return s;
-  if (m_WorkLoc.size() > 5 && !LocatorToCoords(m_WorkLoc, m_WorkLg, m_WorkBr)) return end();
-  return m_MySide ? WriteCoordinates(m_fields.tbMyLg, m_fields.tbMyBr)
-                  : WriteCoordinates(m_fields.tbFremdLg, m_fields.tbFremdBr);
-}
-
-ComputeCommand::Step ComputeCommand::CheckLength() {
-  if (m_WorkLoc.size() >= 5 && m_WorkLoc.size() <= 10) return next();
-  Beep();
-  MsgBox(m_WorkLoc, vbExclamation, QStringLiteral(" Falsche Eingabe !"));
-  return end();
-}
-
-ComputeCommand::Step ComputeCommand::SolveDistance() {
-  // A side without numbers yet: the first run after start can reach here through route B
-  // or D with the other side typed but not yet read.
-  if (!m_memory.MyBr || !m_memory.MyLg) {
-    m_CoordLg = m_entry.MyLg;
-    m_CoordBr = m_entry.MyBr;
-    if (Step s = ParseCoordinates(); !s.goOn()) return s;
-    m_memory.MyBr = m_WorkBr;
-    m_memory.MyLg = m_WorkLg;
-    write(m_fields.tbMyLoc, CoordsToLocator(m_WorkLg, m_WorkBr, m_prefs.Loc10st));
-  }
-  if (!m_memory.FremdBr || !m_memory.FremdLg) {
-    m_CoordLg = m_entry.FremdLg;
-    m_CoordBr = m_entry.FremdBr;
-    if (Step s = ParseCoordinates(); !s.goOn()) return s;
-    m_memory.FremdBr = m_WorkBr;
-    m_memory.FremdLg = m_WorkLg;
-    write(m_fields.tbFremdLoc, CoordsToLocator(m_WorkLg, m_WorkBr, m_prefs.Loc10st));
-  }
-
-  const double myLg = *m_memory.MyLg;
-  const double myBr = *m_memory.MyBr;
-  const double fremdLg = *m_memory.FremdLg;
-  const double fremdBr = *m_memory.FremdBr;
-  const double dLg = myLg - fremdLg;
-  const double dBr = myBr - fremdBr;
-  if (std::fabs(dLg) < 8.33e-07 && std::fabs(dBr) < 1.27e-06) return fault(kDivisionByZero);
-  if (std::fabs(dLg) > 360 && std::fabs(dBr) > 180) return fault(kInvalidCall);
-
-  const int error =
-      ShowDistanceBearing(myBr, fremdBr, myLg, fremdLg, m_fields.Combo1->currentText(),
-                          m_fields.lblEntfernung, m_fields.lblRichtung);
-  return error ? fault(error) : next();
-}
-
-ComputeCommand::Step ComputeCommand::ParseCoordinates() {
-  const CoordinateRead read = marvento::ParseCoordinates(m_CoordLg, m_CoordBr, m_prefs.GradDezimal);
-  if (read.ok) {
-    m_WorkLg = read.Lg;
-    m_WorkBr = read.Br;
-    return next();
-  }
-  MsgBox(read.prompt, vbExclamation, kCoordinateTitle);
-  return end();
-}
-
-ComputeCommand::Step ComputeCommand::WriteCoordinates(QLineEdit* lgField, QLineEdit* brField) {
-  const auto lg = CoordinateText(m_WorkLg, m_prefs.GradDezimal);
-  if (!lg) return fault(kOverflow);
-  write(lgField, *lg);
-  const auto br = CoordinateText(m_WorkBr, m_prefs.GradDezimal);
-  if (!br) return fault(kOverflow);
-  write(brField, *br);
-  return next();
-}
-
-void ComputeCommand::LogIfOn() {
-  if (m_prefs.logOn && m_writeGpsLog) m_writeGpsLog();
-}
-
-void ComputeCommand::HandleError(int error) {
-  RememberAll(false);
-  Beep();
-  if (error == kInvalidCall) {
-    m_fields.lblEntfernung->setText(QStringLiteral(" > 20000 km "));
-    MsgBox(QStringLiteral("Entfernung: > 20000 km"), vbInformation,
-           QStringLiteral(" Bitte auf astronomische Navigation übergehen ! "));
-  } else if (error == kDivisionByZero) {
-    m_fields.lblEntfernung->setText(QStringLiteral(" 0 "));
-    MsgBox(QStringLiteral("Entfernung: < 1 m"), vbInformation,
-           QStringLiteral(" Bitte Bandmaß benutzen ! "));
-  }
-}
-
-void ComputeCommand::RememberAll(bool capitals) {
-  RememberOwn();
-  RememberRemote();
-  if (capitals) {
-    m_memory.LastFremdLoc = upperCase(m_memory.LastFremdLoc);
-    m_memory.LastMyLoc = upperCase(m_memory.LastMyLoc);
-  }
-}
-
-void ComputeCommand::RememberOwn() {
-  m_memory.LastMyLoc = trimBlanks(m_fields.tbMyLoc->text());
-  m_memory.LastMyLg = trimBlanks(m_fields.tbMyLg->text());
-  m_memory.LastMyBr = trimBlanks(m_fields.tbMyBr->text());
-}
-
-void ComputeCommand::RememberRemote() {
-  m_memory.LastFremdLoc = trimBlanks(m_fields.tbFremdLoc->text());
-  m_memory.LastFremdLg = trimBlanks(m_fields.tbFremdLg->text());
-  m_memory.LastFremdBr = trimBlanks(m_fields.tbFremdBr->text());
+  run.out.route = PickRoute(entry, memory);
+  const Step step = runRoute(run, radiusText);
+  if (step.kind == Step::Fault) settleFault(run, step.error);
+  return run.out;
 }
 
 }  // namespace marvento

@@ -2,27 +2,22 @@
 
 #include <QString>
 
-#include <functional>
+#include <array>
 #include <optional>
-
-class QComboBox;
-class QLabel;
-class QLineEdit;
 
 namespace marvento {
 
-// The controls of the main window that the compute command reads and writes. All must be
-// set; Combo1's current text is the earth radius in kilometres.
-struct ComputeFields {
-  QLineEdit* tbMyLoc = nullptr;
-  QLineEdit* tbFremdLoc = nullptr;
-  QLineEdit* tbMyLg = nullptr;
-  QLineEdit* tbMyBr = nullptr;
-  QLineEdit* tbFremdLg = nullptr;
-  QLineEdit* tbFremdBr = nullptr;
-  QLabel* lblEntfernung = nullptr;
-  QLabel* lblRichtung = nullptr;
-  QComboBox* Combo1 = nullptr;
+// The six entry fields of the main window.
+enum class ComputeField { MyLoc, MyLg, MyBr, FremdLoc, FremdLg, FremdBr };
+inline constexpr std::size_t kComputeFieldCount = 6;
+
+// The texts of the six entry fields, indexed by ComputeField.
+struct ComputeTexts {
+  std::array<QString, kComputeFieldCount> text;
+
+  QString& operator[](ComputeField f) { return text[static_cast<std::size_t>(f)]; }
+  const QString& operator[](ComputeField f) const { return text[static_cast<std::size_t>(f)]; }
+  bool operator==(const ComputeTexts&) const = default;
 };
 
 // What the command remembers from its last run, to tell what the user has changed since.
@@ -41,21 +36,17 @@ struct ComputeMemory {
   std::optional<double> FremdBr;
 };
 
-// The six entries as the command read them, blanks at both ends removed.
-struct ComputeEntries {
-  QString FremdLoc;
-  QString MyLoc;
-  QString MyLg;
-  QString MyBr;
-  QString FremdLg;
-  QString FremdBr;
+// Which description rules this time, by what the user changed since the last run.
+enum class Route {
+  BothLocators,       // a coordinate field is empty: both sides from their locators
+  OwnCoordinates,     // the own coordinates changed: they make the own locator
+  RemoteLocator,      // the remote locator changed (or is empty)
+  RemoteCoordinates,  // the remote coordinates changed: they make the remote locator
+  OwnLocator,         // the own locator changed (or is empty)
+  Unchanged,          // nothing changed: solve again, with the radius as it stands now
 };
-
-// Which description rules this time, by what changed since the last run:
-// A both locators (a coordinate field is empty), B own coordinates, C remote locator,
-// D remote coordinates, E own locator, F nothing changed.
-enum class Route { A, B, C, D, E, F };
-Route PickRoute(const ComputeEntries& entry, const ComputeMemory& memory);
+// entry holds the field texts with blanks at both ends removed.
+Route PickRoute(const ComputeTexts& entry, const ComputeMemory& memory);
 
 // What the command reads from the preferences at each run.
 struct ComputePreferences {
@@ -64,65 +55,37 @@ struct ComputePreferences {
   bool logOn = false;        // GPS reception and the log are both on
 };
 
-// The compute command of the main window: decides between locator and coordinates on each
-// side, fills in the other description, and shows distance and bearing. It reports every
-// refusal to the user itself and never fails its caller. One instance lives as long as the
-// window, since its memory decides the next run.
-class ComputeCommand {
- public:
-  // preferences is asked at the start of each run; writeGpsLog is called on the routes that
-  // log while its logOn holds.
-  ComputeCommand(const ComputeFields& fields, std::function<ComputePreferences()> preferences,
-                 std::function<void()> writeGpsLog);
-
-  void Compute();
-
-  const ComputeMemory& memory() const { return m_memory; }
-
- private:
-  // How a step ended: go on, the command ends (the user has been told), or a run-time
-  // error for the command's handler.
-  struct [[nodiscard]] Step {
-    enum Kind { Next, End, Fault };
-    Kind kind = Next;
-    int error = 0;
-    bool goOn() const { return kind == Next; }
-  };
-  static Step next() { return {}; }
-  static Step end() { return {Step::End, 0}; }
-  static Step fault(int error) { return {Step::Fault, error}; }
-
-  Step Run();
-  Step OwnCoordsToLocator();
-  Step RemoteCoordsToLocator();
-  Step ResolveMySide();
-  Step ResolveFremdSide();
-  Step LocatorToFields();
-  Step CheckLength();
-  Step SolveDistance();
-  Step ParseCoordinates();
-  Step WriteCoordinates(QLineEdit* lgField, QLineEdit* brField);
-  void LogIfOn();
-  void HandleError(int error);
-
-  void RememberAll(bool capitals);
-  void RememberOwn();
-  void RememberRemote();
-
-  ComputeFields m_fields;
-  std::function<ComputePreferences()> m_preferences;
-  ComputePreferences m_prefs;
-  std::function<void()> m_writeGpsLog;
-  ComputeMemory m_memory;
-
-  // Working variables of one run.
-  ComputeEntries m_entry;
-  QString m_WorkLoc;
-  double m_WorkLg = 0;
-  double m_WorkBr = 0;
-  QString m_CoordLg;
-  QString m_CoordBr;
-  bool m_MySide = false;
+// The box that ends a run, shown after the fields and labels are written.
+struct ComputeRefusal {
+  QString prompt;
+  QString title;
+  int style = 0;                      // MsgBox style: 48 a refusal, 64 a remark on the result
+  std::optional<ComputeField> focus;  // the field to put the cursor in, if any
 };
+
+// Everything one run decides; the window applies it in this order: fields, labels, memory,
+// log line, beep, box, focus.
+struct ComputeOutcome {
+  Route route = Route::Unchanged;
+  ComputeTexts fields;  // the six texts as the window must show them
+  // The fields the run wrote: they show their text from the start (degrees and the first
+  // letters of a locator), also where the text is the one they held already.
+  std::array<bool, kComputeFieldCount> written{};
+  std::optional<QString> entfernung;  // unset: the label keeps its text
+  std::optional<QString> richtung;
+  ComputeMemory memory;  // for the next run
+  bool writeLog = false;
+  bool beep = false;
+  std::optional<ComputeRefusal> refusal;
+
+  bool wrote(ComputeField f) const { return written[static_cast<std::size_t>(f)]; }
+};
+
+// One run of the compute command: decides between locator and coordinates on each side, fills
+// in the other description, and solves distance and bearing on a sphere of the radius in
+// radiusText (kilometres, as Combo1 shows it). A refusal is part of the outcome, never an
+// exception.
+ComputeOutcome DecideCompute(const ComputeTexts& fields, const QString& radiusText,
+                             const ComputeMemory& memory, const ComputePreferences& preferences);
 
 }  // namespace marvento
