@@ -1,7 +1,6 @@
 // Time of the port scan that the settings dialog runs before it opens, with all 29 port
 // numbers pointing at devices that do not exist (a machine without serial ports).
 
-#include "app/Module1.h"
 #include "options/PortList.h"
 #include "platform/CommControl.h"
 
@@ -52,9 +51,8 @@ void BM_FillPortListMissing(benchmark::State& state) {
   prepare();
   marvento::CommControl control;
   QComboBox combo;
-  marvento::Module1 record;
   for (auto _ : state) {
-    const marvento::PortScanOutcome outcome = marvento::FillPortList(combo, control, record);
+    const marvento::PortScanOutcome outcome = marvento::FillPortList(combo, control, 1);
     if (outcome.errorCount != 29) state.SkipWithError("the scan found a port");
   }
 }

@@ -120,8 +120,7 @@ void BM_StartupChild(benchmark::State& state) {
   if (bare) {
     window = bareWindow();
   } else {
-    Main();
-    window = State().MainForm;
+    window = Main();
   }
   while (!window->isVisible() || !window->windowHandle() || !window->windowHandle()->isExposed()) {
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 10);

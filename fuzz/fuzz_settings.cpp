@@ -18,16 +18,15 @@ using marvento::fuzz::Check;
 namespace {
 
 // The keys in the order the input's lines fill them.
-const QString kKeys[] = {QStringLiteral("GPS"),       QStringLiteral("Grad_Dezimal"),
-                         QStringLiteral("GPS-Zeit"),  QStringLiteral("GPS-Interval"),
-                         QStringLiteral("Loc10st"),   QStringLiteral("Bit-Sek"),
-                         QStringLiteral("Com"),       QStringLiteral("Protokoll"),
-                         QStringLiteral("MyHomeLoc"), QStringLiteral("Radius")};
+const SettingKey kKeys[] = {SettingKey::Gps,         SettingKey::GradDezimal, SettingKey::GpsZeit,
+                            SettingKey::GpsInterval, SettingKey::Loc10st,     SettingKey::BitSek,
+                            SettingKey::Com,         SettingKey::Protokoll,   SettingKey::MyHomeLoc,
+                            SettingKey::Radius};
 
-void removeSetting(const QString& key) {
+void removeSetting(SettingKey key) {
   QSettings store(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Marvento"),
                   QStringLiteral("Marvento"));
-  store.remove(QStringLiteral("Settings/") + key);
+  store.remove(QStringLiteral("Settings/") + SettingName(key));
 }
 
 void checkConversions(const QString& text) {
@@ -40,13 +39,13 @@ void checkConversions(const QString& text) {
   if (const auto radius = ReadRadiusPosition(text)) {
     Check(*radius >= -1 && *radius <= 11, "the radius position is in the list", text);
   }
-  SaveSetting(QStringLiteral("MainLeft"), text);
-  const float twips = GetTwipsSetting(QStringLiteral("MainLeft"));
+  SaveSetting(SettingKey::MainLeft, text);
+  const float twips = GetTwipsSetting(SettingKey::MainLeft);
   Check(std::isfinite(twips) && std::fabs(twips) <= 1e7, "a window position is on a screen", text);
   // What is written at exit reads back as the same position.
-  SaveSetting(QStringLiteral("MainLeft"), TwipsText(twips));
-  Check(GetTwipsSetting(QStringLiteral("MainLeft")) == twips,
-        "the stored window position reads back", text);
+  SaveSetting(SettingKey::MainLeft, TwipsText(twips));
+  Check(GetTwipsSetting(SettingKey::MainLeft) == twips, "the stored window position reads back",
+        text);
 }
 
 }  // namespace

@@ -40,7 +40,7 @@ Module1& State() {
   return state;
 }
 
-void Main() {
+frmMain* Main() {
   QApplication::setApplicationName(QStringLiteral("Marvento"));
   QApplication::setOrganizationName(QStringLiteral("Marvento"));
   QApplication::setApplicationVersion(QStringLiteral("4.4.0"));
@@ -49,10 +49,9 @@ void Main() {
   LoadQtTranslations();
 
   Module1& state = State();
-  state.MainForm = new frmMain(state);
+  auto* window = new frmMain(state);
   const StartupSettings settings = ReadStartupSettings(state);
 
-  frmMain* window = state.MainForm;
   window->Form_Load();
   window->lbInfo->clear();
   window->Timer1->setInterval(settings.interval.milliseconds);
@@ -61,6 +60,7 @@ void Main() {
   if (window->tbMyLoc->text().isEmpty()) window->tbMyLoc->setText(state.MyHomeLoc.trimmed());
   window->show();
   QCoreApplication::processEvents();
+  return window;
 }
 
 }  // namespace marvento

@@ -11,7 +11,6 @@ class frmMain;
 // The one global state record of the program. Field names are those used throughout;
 // Main() fills it from the settings store before the window is loaded.
 struct Module1 {
-  frmMain* MainForm = nullptr;
   QString ComPort;
   QString GpsStatus;    // "GPS an" or "GPS aus", compared as exact text
   QString ComSettings;  // baud rate followed by ",N,8,1"
@@ -45,7 +44,8 @@ inline void SetGpsOn(Module1& state, bool on) {
 // The single instance.
 Module1& State();
 
-// The start-up procedure: reads the settings, loads and shows the main window.
-void Main();
+// The start-up procedure: reads the settings, loads and shows the main window, which it
+// returns; the window lives until the program ends.
+frmMain* Main();
 
 }  // namespace marvento

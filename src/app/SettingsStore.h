@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Module1.h"
+#include "platform/SettingValues.h"
 
 #include <QString>
 
@@ -8,22 +9,6 @@
 #include <optional>
 
 namespace marvento {
-
-// Reading conversions of the stored texts. Each gives nothing when the text breaks the
-// key's limits (the caller then takes the key's default), so that a store edited by hand
-// cannot leave the start-up in a state the program never produces itself.
-std::optional<bool> ReadBoolean(const QString& text);
-// Seconds and milliseconds of the poll interval: Val, half to even, at most 65 s.
-struct PollInterval {
-  std::int32_t seconds = 30;
-  std::int32_t milliseconds = 30000;
-};
-std::optional<PollInterval> ReadInterval(const QString& text);
-std::optional<std::int16_t> ReadRadiusPosition(const QString& text);
-
-// The texts written at exit. A window position reads back as the same single.
-QString BooleanText(bool value);
-QString TwipsText(float twips);
 
 // Everything Main reads besides the window position.
 struct StartupSettings {

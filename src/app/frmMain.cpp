@@ -11,12 +11,13 @@
 #include "gps/GpsLog.h"
 #include "gps/GpsPoll.h"
 #include "height/HeightEvaluate.h"
-#include "help/ShowHelp.h"
-#include "help/frmAbout.h"
-#include "options/frmOptions.h"
-#include "platform/Clock.h"
 #include "height/HeightReport.h"
 #include "height/HeightTable.h"
+#include "help/ShowHelp.h"
+#include "help/frmAbout.h"
+#include "options/Preferences.h"
+#include "options/frmOptions.h"
+#include "platform/Clock.h"
 #include "platform/CommControl.h"
 #include "platform/Format.h"
 #include "platform/MsgBox.h"
@@ -24,6 +25,7 @@
 #include "platform/Timer.h"
 #include "platform/Twips.h"
 #include "station/GridCrossing.h"
+#include "station/StationAddress.h"
 #include "station/StationLinks.h"
 
 #include <QAction>
@@ -134,8 +136,8 @@ frmMain::frmMain(Module1& state, QWidget* parent)
   };
   hooks.UnlockEntry = [this] { UnlockEntry(); };
   m_sub->poll = std::make_unique<GpsPoll>(m_state, pollView, std::move(hooks), SystemClock());
-  m_sub->log = std::make_unique<GpsLog>(m_state, GpsLogView{Panel2, tbMyLoc, lbInfo, Timer1},
-                                        SystemClock());
+  m_sub->log =
+      std::make_unique<GpsLog>(m_state, GpsLogView{Panel2, tbMyLoc, lbInfo, Timer1}, SystemClock());
   m_sub->links = std::make_unique<StationLinks>();
   connect(m_sub->links.get(), &StationLinks::rotorSwitched, this, [this](bool on) {
     Panel6->setText(QStringLiteral("Rotor ?"));
@@ -359,9 +361,13 @@ void frmMain::buildToolBar() {
   addToolBar(Qt::TopToolBarArea, tbToolBar);
   setContextMenuPolicy(Qt::NoContextMenu);
 
-  const QString keys[] = {QStringLiteral("Neu"), QStringLiteral("Rechnen"),
-                          QStringLiteral("Rotor"), QStringLiteral("Beenden"), QString(),
-                          QStringLiteral("Grundeinstellungen"), QStringLiteral("Info"),
+  const QString keys[] = {QStringLiteral("Neu"),
+                          QStringLiteral("Rechnen"),
+                          QStringLiteral("Rotor"),
+                          QStringLiteral("Beenden"),
+                          QString(),
+                          QStringLiteral("Grundeinstellungen"),
+                          QStringLiteral("Info"),
                           QStringLiteral("Hilfe")};
   for (const QString& key : keys) {
     if (key.isEmpty()) {
@@ -401,11 +407,10 @@ void frmMain::buildStatusBar() {
   Panel3 = panel("Panel3", QStringLiteral("EINFG"), QStringLiteral("Einfüge-Modus"), 800,
                  QStringLiteral("EINFG"));
   Panel3->setAlignment(Qt::AlignCenter);
-  Panel4 = panel("Panel4", QString(), QStringLiteral("Datum"), 900,
-                 shortDate(QDate(2000, 12, 28)));
+  Panel4 = panel("Panel4", QString(), QStringLiteral("Datum"), 900, shortDate(QDate(2000, 12, 28)));
   Panel4->setAlignment(Qt::AlignCenter);
-  Panel5 = panel("Panel5", QString(), QStringLiteral("System-Zeit"), 876,
-                 QStringLiteral("00:00:00"));
+  Panel5 =
+      panel("Panel5", QString(), QStringLiteral("System-Zeit"), 876, QStringLiteral("00:00:00"));
   Panel5->setAlignment(Qt::AlignCenter);
   Panel6 = panel("Panel6", QString(), QStringLiteral("Richtung des Rotors"), 900,
                  QStringLiteral("Rotor 359°"));
@@ -425,9 +430,9 @@ void frmMain::fitWidth() {
   if (m_baseClientWidth == 0) m_baseClientWidth = centralWidget()->width();
   const int width = std::max(m_baseClientWidth, sbStatusBar->sizeHint().width());
   centralWidget()->setFixedWidth(width);
-  for (QWidget* line : {static_cast<QWidget*>(Line1), static_cast<QWidget*>(Line2),
-                        static_cast<QWidget*>(Line3), static_cast<QWidget*>(lbInfo),
-                        static_cast<QWidget*>(lbKurs)}) {
+  for (QWidget* line :
+       {static_cast<QWidget*>(Line1), static_cast<QWidget*>(Line2), static_cast<QWidget*>(Line3),
+        static_cast<QWidget*>(lbInfo), static_cast<QWidget*>(lbKurs)}) {
     line->resize(width, line->height());
   }
 }
@@ -450,8 +455,8 @@ void frmMain::fillRadiusList() {
 }
 
 void frmMain::placeWindow() {
-  move(TwipsToPx(GetTwipsSetting(QStringLiteral("MainLeft"))),
-       TwipsToPx(GetTwipsSetting(QStringLiteral("MainTop"))));
+  move(TwipsToPx(GetTwipsSetting(SettingKey::MainLeft)),
+       TwipsToPx(GetTwipsSetting(SettingKey::MainTop)));
 }
 
 void frmMain::Form_Load() {
@@ -518,12 +523,12 @@ QString frmMain::statusText() const {
 
 void frmMain::tbMyLoc_Change() {
   // The task bar shows the locator while minimised; each fix keeps it up to date.
-  if (m_state.GpsStatus == kGpsAn && isMinimized()) setWindowTitle(tbMyLoc->text());
+  if (GpsOn(m_state) && isMinimized()) setWindowTitle(tbMyLoc->text());
 }
 
 void frmMain::Form_Resize() {
   if (isMinimized()) {
-    if (m_state.GpsStatus == kGpsAn) setWindowTitle(tbMyLoc->text());
+    if (GpsOn(m_state)) setWindowTitle(tbMyLoc->text());
     return;
   }
   Panel1->setText(statusText());
@@ -532,7 +537,7 @@ void frmMain::Form_Resize() {
 
 void frmMain::Form_Activate() {
   m_activatePending = false;
-  if (m_state.GpsStatus != kGpsAn) {
+  if (!GpsOn(m_state)) {
     if (tbMyLoc->text().isEmpty()) tbMyLoc->setText(m_state.MyHomeLoc);
     if (!tbMyLoc->text().isEmpty()) {
       tbFremdLoc->setFocus();
@@ -544,7 +549,7 @@ void frmMain::Form_Activate() {
   // A poll that is running already brings the fresh data this activation asks for.
   if (isPolling()) return;
   startPoll([this] {
-    if (m_state.GpsStatus == kGpsAn && m_state.ProtokollOn) WriteGpsLog();
+    if (GpsOn(m_state) && m_state.ProtokollOn) WriteGpsLog();
   });
 }
 
@@ -572,7 +577,7 @@ void frmMain::mnuNeu_Click() {
   setWindowTitle(QStringLiteral("Marvento "));
   if (m_state.MyHomeLoc.isEmpty()) {
     tbMyLoc->setFocus();
-  } else if (m_state.GpsStatus == kGpsAus) {
+  } else if (GpsOff(m_state)) {
     tbMyLoc->setText(m_state.MyHomeLoc);
   }
 }
@@ -607,7 +612,7 @@ void frmMain::mnuRotor_Click() {
 }
 
 void frmMain::mnuGPS_Höhe_Click() {
-  if (m_state.GpsStatus == kGpsAn) {
+  if (GpsOn(m_state)) {
     QString unit;
     HeightEvaluate(*m_sub->heights, QString(), unit, QString(), true);
     return;
@@ -618,27 +623,82 @@ void frmMain::mnuGPS_Höhe_Click() {
 void frmMain::mnuGrundeinstellungen_Click() {
   // The dialog may change the port under a running exchange: that exchange ends first.
   m_sub->poll->cancel();
-  const bool ticking = m_state.GpsStatus == kGpsAn && Timer1->isActive();
+  const bool ticking = GpsOn(m_state) && Timer1->isActive();
   if (ticking) Timer1->stop();
-  bool accepted = false;
+  std::optional<Preferences> chosen;
   {
-    const OptionsTargets targets{Timer1, MSComm1, lbInfo, this, tbMyLg, tbMyBr, tbFremdLg, tbFremdBr};
-    frmOptions options(m_state, targets, this);
-    accepted = options.exec() == QDialog::Accepted;
+    frmOptions options(preferences(), MSComm1, this);
+    const bool accepted = options.exec() == QDialog::Accepted;
+    // The scan has met the port this program holds, whichever button closed the dialog.
+    if (const auto busy = options.busyPort()) m_state.BusyPort = *busy;
+    if (accepted) chosen = options.chosen();
   }
-  // Abbrechen leaves reception as it was, ticking included; OK has set the timer itself.
-  if (ticking && m_state.GpsStatus == kGpsAn) SetTimerEnabled(Timer1, true);
+  if (chosen) applyPreferences(*chosen);
+  // Abbrechen leaves reception as it was, ticking included.
+  if (ticking && GpsOn(m_state)) SetTimerEnabled(Timer1, true);
   activateAfterDialog();
   Panel1->setText(statusText());
-  if (accepted) {
-    // gpsd's connection stays open only while gpsd is the source of running reception.
-    if (!IsGpsdSource(m_state.ComPort) || m_state.GpsStatus != kGpsAn) m_sub->poll->closeGpsd();
-    applyStationLinks();
-    // Reception may have been switched off and on: its next fix starts a new track.
-    m_sub->crossing.reset();
-  }
-  if (m_state.GpsStatus == kGpsAn) startPoll();
+  if (GpsOn(m_state)) startPoll();
   if (isVisible()) tbFremdLoc->setFocus();
+}
+
+Preferences frmMain::preferences() const {
+  Preferences p;
+  p.receptionOn = GpsOn(m_state);
+  p.GpsZeit = m_state.GpsZeit;
+  p.GradDezimal = m_state.GradDezimal;
+  p.Loc10st = m_state.Loc10st;
+  p.GpsIntervalSeconds = m_state.GpsIntervalSeconds;
+  p.ComPort = m_state.ComPort;
+  p.ComNumber = m_state.ComNumber;
+  p.ComSettings = m_state.ComSettings;
+  p.MyHomeLoc = m_state.MyHomeLoc;
+  p.GpsdAddress = m_state.GpsdAddress.isEmpty() ? kDefaultGpsdAddress : m_state.GpsdAddress;
+  for (std::size_t i = 0; i < p.stations.size(); ++i) {
+    p.stations[i] = LoadStationAddress(static_cast<StationProgram>(i));
+  }
+  return p;
+}
+
+void frmMain::applyPreferences(const Preferences& p) {
+  // The next computation rebuilds the coordinates from the locators in the new form.
+  const bool newForm = p.GradDezimal != m_state.GradDezimal || p.Loc10st != m_state.Loc10st;
+  m_state.ComPort = p.ComPort;
+  m_state.ComNumber = p.ComNumber;
+  m_state.ComSettings = p.ComSettings;
+  m_state.GpsIntervalSeconds = p.GpsIntervalSeconds;
+  m_state.MyHomeLoc = p.MyHomeLoc;
+  m_state.GpsdAddress = p.GpsdAddress;
+  m_state.GradDezimal = p.GradDezimal;
+  m_state.GpsZeit = p.GpsZeit;
+  m_state.Loc10st = p.Loc10st;
+  SetGpsOn(m_state, p.receptionOn);
+
+  Timer1->setInterval(p.GpsIntervalSeconds * 1000);
+  if (p.receptionOn) {
+    SetTimerEnabled(Timer1, true);
+  } else {
+    Timer1->stop();
+    if (MSComm1->portOpen()) MSComm1->setPortOpen(false);
+    lbInfo->clear();
+    setWindowTitle(QStringLiteral("Marvento "));
+  }
+  if (newForm) {
+    for (QLineEdit* field : {tbMyLg, tbMyBr, tbFremdLg, tbFremdBr}) field->clear();
+  }
+
+  // Stored at once, whatever happens to the program later; the rest is stored at the exit.
+  SaveSetting(SettingKey::MyHomeLoc, p.MyHomeLoc);
+  SaveSetting(SettingKey::Gpsd, p.GpsdAddress);
+  for (std::size_t i = 0; i < p.stations.size(); ++i) {
+    SaveStationAddress(static_cast<StationProgram>(i), p.stations[i]);
+  }
+
+  // gpsd's connection stays open only while gpsd is the source of running reception.
+  if (!IsGpsdSource(m_state.ComPort) || !GpsOn(m_state)) m_sub->poll->closeGpsd();
+  applyStationLinks();
+  // Reception may have been switched off and on: its next fix starts a new track.
+  m_sub->crossing.reset();
 }
 
 void frmMain::mnuProtokoll_Click() {
@@ -703,7 +763,7 @@ void frmMain::startPoll(std::function<void()> then) {
     // A log line the disk refused is tried again after each poll, and its warning stays in
     // sight (a poll clears lbInfo) until a line is written; a failed try has the label.
     if (m_sub->log->warning().isEmpty()) return;
-    if (m_state.GpsStatus == kGpsAn && m_state.ProtokollOn) WriteGpsLog();
+    if (GpsOn(m_state) && m_state.ProtokollOn) WriteGpsLog();
     if (m_sub->poll->GpsTries() == 0) m_sub->log->showWarning();
   });
 }
@@ -726,7 +786,7 @@ void frmMain::fixComputed() {
   // A fix keeps the user's choice of direction: F3 then Ctrl+D turns to the opposite also
   // while the position moves on.
   runCompute();
-  if (m_state.GpsStatus != kGpsAn) {
+  if (!GpsOn(m_state)) {
     m_sub->crossing.reset();
     return;
   }
@@ -786,7 +846,7 @@ bool frmMain::Form_QueryUnload() {
   Timer1->stop();
   if (answer == vbCancel) {
     // Reception goes on after a refused closing, as after every other modal question.
-    if (timerWasOn && m_state.GpsStatus == kGpsAn) SetTimerEnabled(Timer1, true);
+    if (timerWasOn && GpsOn(m_state)) SetTimerEnabled(Timer1, true);
     return false;
   }
   return true;
@@ -890,7 +950,7 @@ void frmMain::Form_KeyPress(QObject* target, int keyAscii, const QString& text) 
 }
 
 void frmMain::Form_KeyUp(int keyCode, Qt::KeyboardModifiers modifiers) {
-  if (m_state.GpsStatus == kGpsAn && keyCode == Qt::Key_A && modifiers == Qt::ControlModifier) {
+  if (GpsOn(m_state) && keyCode == Qt::Key_A && modifiers == Qt::ControlModifier) {
     HeightReport();
   }
 }

@@ -23,6 +23,7 @@ namespace marvento {
 class CommControl;
 class HeightTable;
 class StationLinks;
+struct Preferences;
 
 // The one window of the program. Its controls are the working data of the compute
 // command and of GPS reception, so they are public; their names are the object names that
@@ -107,6 +108,11 @@ class frmMain : public QMainWindow {
   void Compute();
   // Reads the settings Wsjtx, Js8Call and Rotor again and starts or stops each link.
   void applyStationLinks();
+  // What the settings dialog starts from, and what its OK changes in the window: the state
+  // record, timer, port, caption and fields; the home locator, gpsd's and the station
+  // programs' addresses are stored at once.
+  Preferences preferences() const;
+  void applyPreferences(const Preferences& chosen);
   StationLinks& stationLinks();
   void WriteGpsLog();
   // One height sample from a good GGA sentence, and the table it goes into.

@@ -34,10 +34,10 @@ class WaitCursor {
 
 }  // namespace
 
-PortScanOutcome FillPortList(QComboBox& Combo1, CommControl& MSComm1, Module1& state) {
+PortScanOutcome FillPortList(QComboBox& Combo1, CommControl& MSComm1, std::int16_t comNumber) {
   WaitCursor cursor;
   PortScanOutcome outcome;
-  const std::int16_t savedNumber = state.ComNumber;
+  outcome.comNumber = comNumber;
   int lastError = 0;
   int selected = -1;
   std::int16_t port = 0;
@@ -46,7 +46,7 @@ PortScanOutcome FillPortList(QComboBox& Combo1, CommControl& MSComm1, Module1& s
   auto failed = [&](const CommResult& result) {
     if (result.ok()) return false;
     lastError = result.number;
-    if (result.number == comPortOpen) state.BusyPort = port;
+    if (result.number == comPortOpen) outcome.busyPort = port;
     ++outcome.errorCount;
     return outcome.errorCount >= kErrorLimit;
   };
@@ -61,7 +61,7 @@ PortScanOutcome FillPortList(QComboBox& Combo1, CommControl& MSComm1, Module1& s
   int n = 0;
   for (port = 1; port <= 29; ++port) {
     if (failed(MSComm1.setCommPort(port)) || failed(MSComm1.setPortOpen(true))) {
-      state.ComNumber = savedNumber;
+      outcome.comNumber = comNumber;
       outcome.gaveUp = true;
       return outcome;
     }
@@ -72,18 +72,18 @@ PortScanOutcome FillPortList(QComboBox& Combo1, CommControl& MSComm1, Module1& s
     if (lastError != comPortOpen && lastError != comInvalidPort && lastError != comNotOpen) {
       add(n);
       if (failed(MSComm1.setPortOpen(false))) {
-        state.ComNumber = savedNumber;
+        outcome.comNumber = comNumber;
         outcome.gaveUp = true;
         return outcome;
       }
       selected = n;
       Combo1.setCurrentIndex(selected);
-      state.ComNumber = port;
+      outcome.comNumber = port;
       ++n;
     }
     lastError = 0;
   }
-  if (!(savedNumber > state.ComNumber)) state.ComNumber = savedNumber;
+  if (!(comNumber > outcome.comNumber)) outcome.comNumber = comNumber;
   Combo1.setCurrentIndex(Combo1.count() - 1);
   return outcome;
 }

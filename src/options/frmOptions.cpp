@@ -1,6 +1,5 @@
 #include "options/frmOptions.h"
 
-#include "platform/Timer.h"
 #include "platform/Twips.h"
 
 #include "gps/GpsExchange.h"
@@ -24,7 +23,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QShowEvent>
-#include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -76,8 +74,8 @@ std::int32_t IntervalSecondsOf(const QString& text) {
   return static_cast<std::int32_t>(seconds);
 }
 
-frmOptions::frmOptions(Module1& state, const OptionsTargets& targets, QWidget* parent)
-    : QDialog(parent), m_state(state), m_targets(targets) {
+frmOptions::frmOptions(const Preferences& current, CommControl* probe, QWidget* parent)
+    : QDialog(parent), m_chosen(current), m_probe(probe) {
   build();
   Form_Load();
 }
@@ -284,15 +282,15 @@ void frmOptions::build() {
 
 void frmOptions::Form_Load() {
   // Placed by where the main window stood at the last exit, in twips from the store.
-  const double left = GetTwipsSetting(QStringLiteral("MainLeft")) + kOffsetLeftTwips;
-  const double top = GetTwipsSetting(QStringLiteral("MainTop")) + kOffsetTopTwips;
+  const double left = GetTwipsSetting(SettingKey::MainLeft) + kOffsetLeftTwips;
+  const double top = GetTwipsSetting(SettingKey::MainTop) + kOffsetTopTwips;
   move(TwipsToPx(left), TwipsToPx(top));
 
-  m_Text1->setText(m_state.MyHomeLoc);
+  m_Text1->setText(m_chosen.MyHomeLoc);
 
   for (const int rate : kRates) m_Combo2->addItem(QString::number(rate));
   m_Combo2->addItem(QString());
-  const double rate = RoundHalfEven(Val(m_state.ComSettings));
+  const double rate = RoundHalfEven(Val(m_chosen.ComSettings));
   int rateIndex = kRateFallbackIndex;
   for (std::size_t i = 0; i < kRates.size(); ++i) {
     if (rate == kRates[i]) rateIndex = static_cast<int>(i);
@@ -302,31 +300,33 @@ void frmOptions::Form_Load() {
   for (const int seconds : kIntervals) m_Combo3->addItem(QString::number(seconds));
   int intervalIndex = -1;
   for (std::size_t i = 0; i < kIntervals.size(); ++i) {
-    if (m_state.GpsIntervalSeconds == kIntervals[i]) intervalIndex = static_cast<int>(i);
+    if (m_chosen.GpsIntervalSeconds == kIntervals[i]) intervalIndex = static_cast<int>(i);
   }
   if (intervalIndex < 0) {
-    m_Combo3->addItem(Format(static_cast<int>(m_state.GpsIntervalSeconds)));
+    m_Combo3->addItem(Format(static_cast<int>(m_chosen.GpsIntervalSeconds)));
     intervalIndex = m_Combo3->count() - 1;
   }
   m_Combo3->setCurrentIndex(intervalIndex);
 
-  (m_state.GpsStatus == kGpsAn ? m_Option1_0 : m_Option1_1)->setChecked(true);
-  (m_state.GradDezimal ? m_Option4 : m_Option3)->setChecked(true);
-  m_Check1->setChecked(m_state.GpsZeit);
-  (m_state.Loc10st ? m_Option2_1 : m_Option2_0)->setChecked(true);
+  (m_chosen.receptionOn ? m_Option1_0 : m_Option1_1)->setChecked(true);
+  (m_chosen.GradDezimal ? m_Option4 : m_Option3)->setChecked(true);
+  m_Check1->setChecked(m_chosen.GpsZeit);
+  (m_chosen.Loc10st ? m_Option2_1 : m_Option2_0)->setChecked(true);
 
-  m_tbGpsd->setText(m_state.GpsdAddress.isEmpty() ? kDefaultGpsdAddress : m_state.GpsdAddress);
+  m_tbGpsd->setText(m_chosen.GpsdAddress.isEmpty() ? kDefaultGpsdAddress : m_chosen.GpsdAddress);
   for (std::size_t i = 0; i < m_stations.size(); ++i) {
-    const auto program = static_cast<StationProgram>(i);
-    const StationAddress stored = LoadStationAddress(program);
-    const bool on = stored.status == StationAddress::Ok;
+    const StationAddress& shown = m_chosen.stations[i];
+    const bool on = shown.status == StationAddress::Ok;
     m_stations[i].on->setChecked(on);
-    m_stations[i].address->setText(on ? StationAddressText(stored)
-                                      : DefaultStationAddressText(program));
+    m_stations[i].address->setText(on ? StationAddressText(shown)
+                                      : DefaultStationAddressText(static_cast<StationProgram>(i)));
   }
 
-  m_comNumberBefore = m_state.ComNumber;
-  if (m_targets.MSComm1 != nullptr) FillPortList(*m_Combo1, *m_targets.MSComm1, m_state);
+  if (m_probe != nullptr) {
+    const PortScanOutcome scan = FillPortList(*m_Combo1, *m_probe, m_chosen.ComNumber);
+    m_chosen.ComNumber = scan.comNumber;
+    m_busyPort = scan.busyPort;
+  }
   // gpsd needs no scan: it is always offered, first, so that the scan's choice stays last.
   m_Combo1->insertItem(0, kGpsdSource);
   m_Combo1->setItemData(0, QStringLiteral(" Positionen von gpsd (Rechner:Port unten) "),
@@ -335,8 +335,8 @@ void frmOptions::Form_Load() {
 
 void frmOptions::Form_Activate() {
   // Shows the stored name and rate even where they are not in the lists.
-  m_Combo1->setEditText(m_state.ComPort);
-  m_Combo2->setEditText(Format(Val(m_state.ComSettings)));
+  m_Combo1->setEditText(m_chosen.ComPort);
+  m_Combo2->setEditText(Format(Val(m_chosen.ComSettings)));
 }
 
 void frmOptions::showEvent(QShowEvent* event) {
@@ -379,17 +379,18 @@ void frmOptions::Command1_Click() {
     stations[i] = ParseStationAddress(text, static_cast<StationProgram>(i));
   }
 
+  Preferences next = m_chosen;
   if (gpsd) {
-    m_state.ComPort = kGpsdSource;
+    next.ComPort = kGpsdSource;
   } else if (port.startsWith(u'/')) {
     QString reason;
     const std::optional<std::int16_t> number = PortForDevice(port, reason);
     if (!number) return refuse(reason);
-    m_state.ComPort = QStringLiteral("Com%1").arg(*number);
-    m_state.ComNumber = *number;
-    MsgBox(QStringLiteral("Der GPS-Empfänger an %1 wird als %2 angesprochen.")
-               .arg(port, m_state.ComPort),
-           vbInformation, QStringLiteral(" Grundeinstellungen"));
+    next.ComPort = QStringLiteral("Com%1").arg(*number);
+    next.ComNumber = *number;
+    MsgBox(
+        QStringLiteral("Der GPS-Empfänger an %1 wird als %2 angesprochen.").arg(port, next.ComPort),
+        vbInformation, QStringLiteral(" Grundeinstellungen"));
   } else if (const std::optional<std::int16_t> number = ComNumberOf(port)) {
     // Any other number would bring up the busy-port question at every poll.
     if (*number < 1 || *number > 29) {
@@ -397,65 +398,26 @@ void frmOptions::Command1_Click() {
                                    "oder einen Gerätepfad wie /dev/ttyUSB0 angeben.")
                         .arg(port));
     }
-    m_state.ComPort = port;
-    m_state.ComNumber = *number;
+    next.ComPort = port;
+    next.ComNumber = *number;
   }
   // A name too short to carry a number, or a number beyond 16 bits, leaves the port as it was.
-  m_state.ComSettings = m_Combo2->currentText() + QStringLiteral(",N,8,1");
-
-  m_state.GpsIntervalSeconds = IntervalSecondsOf(m_Combo3->currentText());
-  if (m_targets.Timer1 != nullptr) m_targets.Timer1->setInterval(m_state.GpsIntervalSeconds * 1000);
-
-  m_state.MyHomeLoc = m_Text1->text().toUpper();
-
-  if (m_Option1_0->isChecked()) {
-    m_state.GpsStatus = kGpsAn;
-    if (m_targets.Timer1 != nullptr) SetTimerEnabled(m_targets.Timer1, true);
-  } else {
-    m_state.GpsStatus = kGpsAus;
-    if (m_targets.Timer1 != nullptr) m_targets.Timer1->stop();
-    if (m_targets.MSComm1 != nullptr && m_targets.MSComm1->portOpen()) {
-      m_targets.MSComm1->setPortOpen(false);
-    }
-    if (m_targets.lbInfo != nullptr) m_targets.lbInfo->setText(QString());
-    if (m_targets.mainWindow != nullptr) {
-      m_targets.mainWindow->setWindowTitle(QStringLiteral("Marvento "));
-    }
-  }
-
-  const bool oldGradDezimal = m_state.GradDezimal;
-  m_state.GradDezimal = m_Option4->isChecked();
-  m_state.GpsZeit = m_Check1->isChecked();
-  const bool oldLoc10st = m_state.Loc10st;
-  m_state.Loc10st = m_Option2_1->isChecked();
-
-  // The next computation rebuilds the coordinates from the locators in the new form.
-  if (m_state.GradDezimal != oldGradDezimal || m_state.Loc10st != oldLoc10st) {
-    for (QLineEdit* field :
-         {m_targets.tbMyLg, m_targets.tbMyBr, m_targets.tbFremdLg, m_targets.tbFremdBr}) {
-      if (field != nullptr) field->clear();
-    }
-  }
-
-  SaveSetting(QStringLiteral("MyHomeLoc"), m_state.MyHomeLoc);
+  next.ComSettings = m_Combo2->currentText() + QStringLiteral(",N,8,1");
+  next.GpsIntervalSeconds = IntervalSecondsOf(m_Combo3->currentText());
+  next.MyHomeLoc = m_Text1->text().toUpper();
+  next.receptionOn = m_Option1_0->isChecked();
+  next.GradDezimal = m_Option4->isChecked();
+  next.GpsZeit = m_Check1->isChecked();
+  next.Loc10st = m_Option2_1->isChecked();
   // A valid address typed while a port is the source is kept for a later switch to gpsd.
-  if (ParseGpsdAddress(gpsdAddress)) {
-    m_state.GpsdAddress = gpsdAddress;
-    SaveSetting(QStringLiteral("Gpsd"), gpsdAddress);
-  }
-  for (std::size_t i = 0; i < m_stations.size(); ++i) {
-    SaveStationAddress(static_cast<StationProgram>(i), stations[i]);
-  }
+  if (ParseGpsdAddress(gpsdAddress)) next.GpsdAddress = gpsdAddress;
+  next.stations = stations;
+  m_chosen = next;
   accept();
 }
 
 void frmOptions::Command2_Click() {
   reject();
-}
-
-void frmOptions::reject() {
-  m_state.ComNumber = m_comNumberBefore;
-  QDialog::reject();
 }
 
 }  // namespace marvento

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Module1.h"
+#include "options/Preferences.h"
 
 #include <QDialog>
 
@@ -16,7 +16,6 @@ class QLineEdit;
 class QPushButton;
 class QRadioButton;
 class QShowEvent;
-class QTimer;
 
 namespace marvento {
 
@@ -26,32 +25,22 @@ class CommControl;
 // then held to 10..65 ("5" 10, "12,5" 12, "13.5" 14, "66" 65, no number 10).
 std::int32_t IntervalSecondsOf(const QString& text);
 
-// What the dialog writes in the main window when OK is pressed. Any of them may be null.
-struct OptionsTargets {
-  QTimer* Timer1 = nullptr;
-  CommControl* MSComm1 = nullptr;  // also the control the port scan probes with
-  QLabel* lbInfo = nullptr;
-  QWidget* mainWindow = nullptr;  // its caption is reset when reception is switched off
-  QLineEdit* tbMyLg = nullptr;
-  QLineEdit* tbMyBr = nullptr;
-  QLineEdit* tbFremdLg = nullptr;
-  QLineEdit* tbFremdBr = nullptr;
-};
-
-// The settings dialog "Grundeinstellungen Marvento". Building it loads the controls from
-// the state record and scans the serial ports (which may correct ComNumber and set
-// BusyPort); the first show puts the stored port name and rate into the two boxes. OK
-// writes the state record, the targets and the key "MyHomeLoc"; a device path typed as the
-// port becomes that port's device or is refused with a message. Abbrechen, Esc and the
-// close box change nothing, the port number the scan may have lowered included.
+// The settings dialog "Grundeinstellungen Marvento". Building it shows the given
+// preferences and scans the serial ports with the probe (which may lower the port number and
+// find a port that this program holds); the first show puts the stored port name and rate
+// into the two boxes. OK checks every entry before it closes: a refused one leaves the dialog
+// open with a German message. A device path typed as the port becomes that port's device.
+// The dialog itself changes nothing else: the window applies chosen() after OK.
 class frmOptions : public QDialog {
   Q_OBJECT
 
  public:
-  frmOptions(Module1& state, const OptionsTargets& targets, QWidget* parent = nullptr);
+  frmOptions(const Preferences& current, CommControl* probe, QWidget* parent = nullptr);
 
- public slots:
-  void reject() override;
+  // After OK, what the user chose; before, what the dialog shows.
+  const Preferences& chosen() const { return m_chosen; }
+  // A port that the scan found open in this program, to be skipped as "already open".
+  std::optional<std::int16_t> busyPort() const { return m_busyPort; }
 
  protected:
   void showEvent(QShowEvent* event) override;
@@ -63,10 +52,10 @@ class frmOptions : public QDialog {
   void Command1_Click();
   void Command2_Click();
 
-  Module1& m_state;
-  OptionsTargets m_targets;
+  Preferences m_chosen;
+  CommControl* m_probe = nullptr;
+  std::optional<std::int16_t> m_busyPort;
   bool m_activated = false;
-  std::int16_t m_comNumberBefore = 0;  // what Abbrechen puts back after the scan
 
   QPushButton* m_Command1 = nullptr;
   QPushButton* m_Command2 = nullptr;

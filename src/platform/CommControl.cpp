@@ -6,7 +6,6 @@
 
 #include <QFileInfo>
 #include <QSerialPort>
-#include <QSettings>
 #include <QStringList>
 
 #include <fcntl.h>
@@ -93,7 +92,7 @@ std::optional<std::int16_t> ComNumberOf(const QString& comPort) {
 
 QString PortDevice(int number) {
   if (number < kFirstPort || number > kLastPort) return {};
-  const QString path = GetSetting(QStringLiteral("Ports"), portName(number), {}).trimmed();
+  const QString path = GetPortDevice(number);
   return path.isEmpty() ? defaultDevice(number) : path;
 }
 
@@ -110,24 +109,19 @@ std::optional<std::int16_t> PortForDevice(const QString& path, QString& reason) 
     reason = QStringLiteral("%1 ist keine serielle Schnittstelle.").arg(path);
     return std::nullopt;
   }
-  auto store = [](int number, const QString& device) {
-    QSettings settings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Marvento"),
-                       QStringLiteral("Marvento"));
-    settings.setValue(QStringLiteral("Ports/") + portName(number), device);
-  };
   for (int number = kFirstPort; number <= kLastPort; ++number) {
     if (PortDevice(number) == path) return static_cast<std::int16_t>(number);
   }
   const QString target = QFileInfo(path).canonicalFilePath();
   for (int number = kFirstPort; number <= kLastPort; ++number) {
     if (QFileInfo(PortDevice(number)).canonicalFilePath() == target) {
-      store(number, path);
+      SavePortDevice(number, path);
       return static_cast<std::int16_t>(number);
     }
   }
   for (int number = kLastPort; number >= kFirstPort; --number) {
     if (!QFileInfo::exists(PortDevice(number))) {
-      store(number, path);
+      SavePortDevice(number, path);
       return static_cast<std::int16_t>(number);
     }
   }

@@ -16,9 +16,7 @@ QSettings store() {
                    QStringLiteral("Marvento"));
 }
 
-}  // namespace
-
-QString GetSetting(const QString& group, const QString& key, const QString& defaultValue) {
+QString read(const QString& group, const QString& key, const QString& defaultValue) {
   QSettings settings = store();
   settings.beginGroup(group);
   if (!settings.contains(key)) return defaultValue;
@@ -28,11 +26,48 @@ QString GetSetting(const QString& group, const QString& key, const QString& defa
   return value.toString();
 }
 
-QString GetSetting(const QString& key, const QString& defaultValue) {
-  return GetSetting(QStringLiteral("Settings"), key, defaultValue);
+void write(const QString& group, const QString& key, const QString& value) {
+  QSettings settings = store();
+  settings.beginGroup(group);
+  settings.setValue(key, value);
 }
 
-float GetTwipsSetting(const QString& key) {
+const QString kSettingsGroup = QStringLiteral("Settings");
+const QString kPortsGroup = QStringLiteral("Ports");
+
+}  // namespace
+
+QString SettingName(SettingKey key) {
+  switch (key) {
+    case SettingKey::Gps: return QStringLiteral("GPS");
+    case SettingKey::GradDezimal: return QStringLiteral("Grad_Dezimal");
+    case SettingKey::GpsZeit: return QStringLiteral("GPS-Zeit");
+    case SettingKey::GpsInterval: return QStringLiteral("GPS-Interval");
+    case SettingKey::BitSek: return QStringLiteral("Bit-Sek");
+    case SettingKey::Com: return QStringLiteral("Com");
+    case SettingKey::Protokoll: return QStringLiteral("Protokoll");
+    case SettingKey::Loc10st: return QStringLiteral("Loc10st");
+    case SettingKey::MyHomeLoc: return QStringLiteral("MyHomeLoc");
+    case SettingKey::Radius: return QStringLiteral("Radius");
+    case SettingKey::MainLeft: return QStringLiteral("MainLeft");
+    case SettingKey::MainTop: return QStringLiteral("MainTop");
+    case SettingKey::Gpsd: return QStringLiteral("Gpsd");
+    case SettingKey::Wsjtx: return QStringLiteral("Wsjtx");
+    case SettingKey::Js8Call: return QStringLiteral("Js8Call");
+    case SettingKey::Rotor: return QStringLiteral("Rotor");
+  }
+  return {};
+}
+
+QString GetSetting(SettingKey key, const QString& defaultValue) {
+  return read(kSettingsGroup, SettingName(key), defaultValue);
+}
+
+void SaveSetting(SettingKey key, const QString& value) {
+  write(kSettingsGroup, SettingName(key), value);
+}
+
+float GetTwipsSetting(SettingKey key) {
   const QString text = GetSetting(key, QStringLiteral("1000")).trimmed();
   if (!IsNumeric(text)) return 1000;
   const double value = Val(ToDotDecimal(text));
@@ -40,10 +75,12 @@ float GetTwipsSetting(const QString& key) {
   return std::fabs(value) <= 1e7 ? static_cast<float>(value) : 1000.0f;
 }
 
-void SaveSetting(const QString& key, const QString& value) {
-  QSettings settings = store();
-  settings.beginGroup(QStringLiteral("Settings"));
-  settings.setValue(key, value);
+QString GetPortDevice(int number) {
+  return read(kPortsGroup, QStringLiteral("Com%1").arg(number), {}).trimmed();
+}
+
+void SavePortDevice(int number, const QString& path) {
+  write(kPortsGroup, QStringLiteral("Com%1").arg(number), path);
 }
 
 }  // namespace marvento

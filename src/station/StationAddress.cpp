@@ -34,13 +34,13 @@ StationAddress invalid() {
 
 }  // namespace
 
-QString StationSettingKey(StationProgram program) {
+SettingKey StationSettingKey(StationProgram program) {
   switch (program) {
-    case StationProgram::Wsjtx: return QStringLiteral("Wsjtx");
-    case StationProgram::Js8Call: return QStringLiteral("Js8Call");
-    case StationProgram::Rotor: return QStringLiteral("Rotor");
+    case StationProgram::Wsjtx: return SettingKey::Wsjtx;
+    case StationProgram::Js8Call: return SettingKey::Js8Call;
+    case StationProgram::Rotor: return SettingKey::Rotor;
   }
-  return {};
+  return SettingKey::Wsjtx;
 }
 
 std::uint16_t DefaultStationPort(StationProgram program) {

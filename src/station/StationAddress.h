@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Settings.h"
+
 #include <QString>
 
 #include <cstdint>
@@ -10,8 +12,8 @@ namespace marvento {
 // in the group "Settings" under the key of the same name; the empty text switches it off.
 enum class StationProgram { Wsjtx, Js8Call, Rotor };
 
-// "Wsjtx", "Js8Call", "Rotor".
-QString StationSettingKey(StationProgram program);
+// Where the program's address is stored.
+SettingKey StationSettingKey(StationProgram program);
 
 // Where each program is found when the user switches it on without naming an address:
 // WSJT-X's UDP server 127.0.0.1:2237, JS8Call's TCP API 127.0.0.1:2442, rotctld 127.0.0.1:4533.

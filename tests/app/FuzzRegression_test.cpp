@@ -11,8 +11,8 @@ namespace {
 // stored as "-1000.581", so the window crept by a fraction of a twip at every exit.
 TEST(SettingsFuzzRegression, WindowPositionReadsBackUnchanged) {
   for (const float twips : {-1000.5811f, 0.1f, 1234.5f, 3210.123f, 9999999.0f, -0.000123456f}) {
-    SaveSetting(QStringLiteral("MainLeft"), TwipsText(twips));
-    EXPECT_EQ(GetTwipsSetting(QStringLiteral("MainLeft")), twips)
+    SaveSetting(SettingKey::MainLeft, TwipsText(twips));
+    EXPECT_EQ(GetTwipsSetting(SettingKey::MainLeft), twips)
         << TwipsText(twips).toStdString();
   }
   // The usual positions, whole multiples of a pixel's twips, keep their short form.

@@ -9,28 +9,6 @@
 namespace marvento {
 namespace {
 
-TEST(SettingsStore, BooleansReadWhatTheWriterWroteAndRefuseTheRest) {
-  const std::pair<const char*, std::optional<bool>> cases[] = {
-      {"True", true}, {"FALSE", false},     {" True ", true},      {"-1", true},
-      {"0", false},   {"", std::nullopt}, {"Tru", std::nullopt},
-  };
-  for (const auto& [text, expected] : cases) {
-    EXPECT_EQ(ReadBoolean(QString::fromLatin1(text)), expected) << text;
-  }
-}
-
-// Seconds, half to even, at most 65; nothing for a refused text.
-TEST(SettingsStore, IntervalIsRoundedAndLimited) {
-  const std::pair<const char*, std::optional<int>> cases[] = {
-      {"66", 65}, {"30,7", 30}, {"30.5", 30},  {"31.5", 32},      {"", 0},
-      {"-5", {}}, {"abc", {}},  {"1e400", {}}, {"3000000", {}},  // milliseconds overflow 32 bits
-  };
-  for (const auto& [text, seconds] : cases) {
-    const auto interval = ReadInterval(QString::fromLatin1(text));
-    EXPECT_EQ(interval ? std::optional(interval->seconds) : std::nullopt, seconds) << text;
-  }
-}
-
 class SettingsStoreFile : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -66,12 +44,12 @@ TEST_F(SettingsStoreFile, ExitWritesEveryKeyButTheHomeLocatorInItsTextForm) {
   EXPECT_EQ(stored("GPS-Interval"), QStringLiteral("65"));
   EXPECT_EQ(stored("Bit-Sek"), QStringLiteral("115200"));
   EXPECT_EQ(stored("Radius"), QStringLiteral("-1"));
-  EXPECT_EQ(GetSetting(QStringLiteral("MyHomeLoc"), QStringLiteral("missing")),
+  EXPECT_EQ(GetSetting(SettingKey::MyHomeLoc, QStringLiteral("missing")),
             QStringLiteral("missing"));
 }
 
 TEST_F(SettingsStoreFile, MinimisedExitKeepsTheOldPosition) {
-  SaveSetting(QStringLiteral("MainLeft"), QStringLiteral("2000"));
+  SaveSetting(SettingKey::MainLeft, QStringLiteral("2000"));
   Module1 state;
   state.ComSettings = QStringLiteral("4800,N,8,1");
   WriteExitSettings(state, ExitSettings{2, true, 5, 5});
@@ -80,9 +58,9 @@ TEST_F(SettingsStoreFile, MinimisedExitKeepsTheOldPosition) {
 }
 
 TEST_F(SettingsStoreFile, HandEditedValuesOutsideTheLimitsFallBackPerKey) {
-  SaveSetting(QStringLiteral("GPS-Interval"), QStringLiteral("-30"));
-  SaveSetting(QStringLiteral("Radius"), QStringLiteral("40"));
-  SaveSetting(QStringLiteral("Loc10st"), QStringLiteral("True"));
+  SaveSetting(SettingKey::GpsInterval, QStringLiteral("-30"));
+  SaveSetting(SettingKey::Radius, QStringLiteral("40"));
+  SaveSetting(SettingKey::Loc10st, QStringLiteral("True"));
   Module1 state;
   const StartupSettings settings = ReadStartupSettings(state);
   EXPECT_EQ(state.GpsIntervalSeconds, 30);

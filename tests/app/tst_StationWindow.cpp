@@ -170,7 +170,7 @@ class tst_StationWindow : public QObject {
     Rotctld daemon;
     QVERIFY2(daemon.start(port), "rotctld did not start");
     IsolatedUser user;
-    SaveSetting(QStringLiteral("Rotor"), QStringLiteral("127.0.0.1:%1").arg(port));
+    SaveSetting(SettingKey::Rotor, QStringLiteral("127.0.0.1:%1").arg(port));
     MsgBoxRecorder boxes;
     Program program;
     frmMain* w = program.window();
@@ -224,7 +224,7 @@ class tst_StationWindow : public QObject {
     QFETCH(QString, start);
     const quint16 port = freePort();
     IsolatedUser user;
-    if (!setting.isEmpty()) SaveSetting(QStringLiteral("Rotor"), setting.arg(port));
+    if (!setting.isEmpty()) SaveSetting(SettingKey::Rotor, setting.arg(port));
     MsgBoxRecorder boxes;
     Program program;
     frmMain* w = program.window();
@@ -265,7 +265,7 @@ class tst_StationWindow : public QObject {
     frmMain* w = program.window();
     const int width = w->width();
     const quint16 port = freePort();
-    SaveSetting(QStringLiteral("Rotor"), QStringLiteral("127.0.0.1:%1").arg(port));
+    SaveSetting(SettingKey::Rotor, QStringLiteral("127.0.0.1:%1").arg(port));
     w->applyStationLinks();
     QVERIFY(w->stationLinks().rotorOn());
     QVERIFY(w->Panel6->isVisible());
@@ -275,7 +275,7 @@ class tst_StationWindow : public QObject {
     QVERIFY(failed.wait(6000));
     QCOMPARE(w->Panel6->text(), QStringLiteral("Rotor ?"));
     QCOMPARE(boxes.count(), 0);
-    SaveSetting(QStringLiteral("Rotor"), QString());
+    SaveSetting(SettingKey::Rotor, QString());
     w->applyStationLinks();
     QVERIFY(!w->stationLinks().rotorOn());
     QVERIFY(w->Panel6->isHidden());
@@ -289,7 +289,7 @@ class tst_StationWindow : public QObject {
     const quint16 port = probe.localPort();
     probe.close();
     IsolatedUser user;
-    SaveSetting(QStringLiteral("Wsjtx"), QStringLiteral("127.0.0.1:%1").arg(port));
+    SaveSetting(SettingKey::Wsjtx, QStringLiteral("127.0.0.1:%1").arg(port));
     MsgBoxRecorder boxes;
     Program program;
     frmMain* w = program.window();
@@ -326,7 +326,7 @@ class tst_StationWindow : public QObject {
     QTcpServer server;
     QVERIFY(server.listen(QHostAddress::LocalHost, 0));
     IsolatedUser user;
-    SaveSetting(QStringLiteral("Js8Call"), QStringLiteral("127.0.0.1:%1").arg(server.serverPort()));
+    SaveSetting(SettingKey::Js8Call, QStringLiteral("127.0.0.1:%1").arg(server.serverPort()));
     MsgBoxRecorder boxes;
     Program program;
     frmMain* w = program.window();
@@ -356,10 +356,10 @@ class tst_StationWindow : public QObject {
     test::Pty pty;
     QVERIFY(pty.ok());
     test::SetPortDevice(1, pty.path());
-    SaveSetting(QStringLiteral("GPS"), QStringLiteral("GPS an"));
-    SaveSetting(QStringLiteral("Com"), QStringLiteral("Com1"));
-    SaveSetting(QStringLiteral("Protokoll"), QStringLiteral("True"));
-    SaveSetting(QStringLiteral("Grad_Dezimal"), QStringLiteral("True"));
+    SaveSetting(SettingKey::Gps, QStringLiteral("GPS an"));
+    SaveSetting(SettingKey::Com, QStringLiteral("Com1"));
+    SaveSetting(SettingKey::Protokoll, QStringLiteral("True"));
+    SaveSetting(SettingKey::GradDezimal, QStringLiteral("True"));
 
     const struct {
       double lon, lat;

@@ -3,16 +3,20 @@
 #include "platform/MsgBoxRecorder.h"
 #include "platform/Settings.h"
 #include "support/ProgramFixture.h"
+#include "support/Pty.h"
 #include "support/RealBoxes.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QHelpEvent>
-#include <QLockFile>
 #include <QLocale>
+#include <QLockFile>
 #include <QMenu>
+#include <QPushButton>
+#include <QSettings>
 #include <QStyle>
 #include <QStyleOptionFrame>
 #include <QTimer>
@@ -78,9 +82,9 @@ class tst_frmMain : public QObject {
   // Any stored status but "GPS aus" starts the reception timer.
   void storedValuesReachTheWindow() {
     IsolatedUser user;
-    SaveSetting(QStringLiteral("GPS-Interval"), QStringLiteral("66"));
-    SaveSetting(QStringLiteral("Radius"), QStringLiteral("-1"));
-    SaveSetting(QStringLiteral("GPS"), QStringLiteral("GPS irgendwas"));
+    SaveSetting(SettingKey::GpsInterval, QStringLiteral("66"));
+    SaveSetting(SettingKey::Radius, QStringLiteral("-1"));
+    SaveSetting(SettingKey::Gps, QStringLiteral("GPS irgendwas"));
     Program program;
     frmMain* w = program.window();
     QCOMPARE(w->Timer1->interval(), 65000);
@@ -117,7 +121,7 @@ class tst_frmMain : public QObject {
     QFETCH(bool, decimal);
     QFETCH(QString, title);
     IsolatedUser user;
-    SaveSetting(QStringLiteral("Grad_Dezimal"),
+    SaveSetting(SettingKey::GradDezimal,
                 decimal ? QStringLiteral("True") : QStringLiteral("False"));
     Program program;
     frmMain* w = program.window();
@@ -154,9 +158,9 @@ class tst_frmMain : public QObject {
     QFETCH(int, points);
     AppFont font(points);
     IsolatedUser user;
-    SaveSetting(QStringLiteral("Grad_Dezimal"),
+    SaveSetting(SettingKey::GradDezimal,
                 decimal ? QStringLiteral("True") : QStringLiteral("False"));
-    SaveSetting(QStringLiteral("Loc10st"),
+    SaveSetting(SettingKey::Loc10st,
                 tenCharacters ? QStringLiteral("True") : QStringLiteral("False"));
     Program program;
     frmMain* w = program.window();
@@ -255,7 +259,7 @@ class tst_frmMain : public QObject {
   // which was then computed as if valid.
   void overlongHomeLocatorIsRefusedWhole() {
     IsolatedUser user;
-    SaveSetting(QStringLiteral("MyHomeLoc"), QStringLiteral("JO62QM84AT12"));
+    SaveSetting(SettingKey::MyHomeLoc, QStringLiteral("JO62QM84AT12"));
     Program program;
     frmMain* w = program.window();
     QVERIFY(QTest::qWaitForWindowActive(w));
@@ -272,7 +276,7 @@ class tst_frmMain : public QObject {
 
   void newClearsTheFieldsButTheHomeLocator() {
     IsolatedUser user;
-    SaveSetting(QStringLiteral("MyHomeLoc"), QStringLiteral("JO62QM"));
+    SaveSetting(SettingKey::MyHomeLoc, QStringLiteral("JO62QM"));
     Program program;
     frmMain* w = program.window();
     for (QLineEdit* f : {w->tbMyLoc, w->tbFremdLoc, w->tbMyLg, w->tbFremdBr}) {
@@ -309,7 +313,8 @@ class tst_frmMain : public QObject {
     QCOMPARE(boxes.count(), 1);
     QCOMPARE(boxes.last().prompt, QStringLiteral("Programm wirklich beenden ?"));
     QCOMPARE(boxes.last().style, 33);
-    QCOMPARE(boxes.last().title, QStringLiteral(" ") + w->windowTitle() + QStringLiteral(": Programmende"));
+    QCOMPARE(boxes.last().title,
+             QStringLiteral(" ") + w->windowTitle() + QStringLiteral(": Programmende"));
     if (answer == vbCancel) {
       QVERIFY(w->isVisible());
       QVERIFY(w->Timer1->isActive());
@@ -334,7 +339,8 @@ class tst_frmMain : public QObject {
       QVERIFY(ended);
       QCOMPARE(boxes.count(), 1);
       QCOMPARE(boxes.last().title, QStringLiteral("Marvento läuft bereits "));
-      QVERIFY(boxes.last().prompt.startsWith(QStringLiteral("Das Programm zweimal zu aktivieren ist nicht ratsam. Wenn Sie diese möglichkeit")));
+      QVERIFY(boxes.last().prompt.startsWith(QStringLiteral(
+          "Das Programm zweimal zu aktivieren ist nicht ratsam. Wenn Sie diese möglichkeit")));
     }
     frmMain::exitProcess() = saved;
     QVERIFY(!QFile::exists(user.configFile()));
@@ -359,10 +365,14 @@ class tst_frmMain : public QObject {
     QTest::addColumn<int>("cursor");
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("result");
-    QTest::newRow("digit replaces") << "JO31" << 2 << "4" << "JO41";
-    QTest::newRow("small letter replaces") << "jo31" << 0 << "k" << "ko31";
-    QTest::newRow("degree sign steps over") << "52 30" << 1 << "°" << "52°30";
-    QTest::newRow("comma deletes nothing, as any other sign") << "52 30" << 2 << "," << "52, 30";
+    QTest::newRow("digit replaces") << "JO31" << 2 << "4"
+                                    << "JO41";
+    QTest::newRow("small letter replaces") << "jo31" << 0 << "k"
+                                           << "ko31";
+    QTest::newRow("degree sign steps over") << "52 30" << 1 << "°"
+                                            << "52°30";
+    QTest::newRow("comma deletes nothing, as any other sign") << "52 30" << 2 << ","
+                                                              << "52, 30";
   }
   void overwriteMode() {
     QFETCH(QString, text);
@@ -384,8 +394,8 @@ class tst_frmMain : public QObject {
 
   void enterComputesAndReverseBearingFollows() {
     IsolatedUser user;
-    SaveSetting(QStringLiteral("Grad_Dezimal"), QStringLiteral("True"));
-    SaveSetting(QStringLiteral("Radius"), QStringLiteral("3"));
+    SaveSetting(SettingKey::GradDezimal, QStringLiteral("True"));
+    SaveSetting(SettingKey::Radius, QStringLiteral("3"));
     Program program;
     frmMain* w = program.window();
     QVERIFY(QTest::qWaitForWindowActive(w));
@@ -434,7 +444,8 @@ class tst_frmMain : public QObject {
     QCOMPARE(w->lbInfo->text(), QStringLiteral("vorher"));
     w->tbMyLoc->setEnabled(true);
     w->Timer1_Timer();
-    QVERIFY2(w->lbInfo->text().startsWith(QStringLiteral("1. Versuch/3 : ")), qPrintable(w->lbInfo->text()));
+    QVERIFY2(w->lbInfo->text().startsWith(QStringLiteral("1. Versuch/3 : ")),
+             qPrintable(w->lbInfo->text()));
     QVERIFY(w->tbMyLoc->isEnabled());  // the poll unlocked the entry again
     QCOMPARE(boxes.count(), 0);
   }
@@ -491,6 +502,99 @@ class tst_frmMain : public QObject {
     QCOMPARE(w->Panel1->text(), QStringLiteral("Status: GPS an (Com1)"));
   }
 
+  // OK in the settings dialog changes the window: timer, port, caption, coordinate fields;
+  // the home locator and the addresses are stored at once.
+  void settingsOkAppliesToTheWindow_data() {
+    QTest::addColumn<bool>("startOn");
+    QTest::addColumn<QString>("button");  // clicked in the dialog; empty: none
+    QTest::addColumn<int>("interval");    // index in the interval box, -1: unchanged
+    QTest::addColumn<bool>("ticking");
+    QTest::addColumn<int>("timerMs");
+    QTest::addColumn<QString>("title");       // the caption: reset whenever reception stays off
+    QTest::addColumn<bool>("fieldsEmptied");  // the four coordinate fields
+    QTest::addColumn<QString>("panel1");
+    QTest::addRow("reception off") << true << "Option1_1" << -1 << false << 30000 << "Marvento "
+                                   << false << "Status: GPS aus (Com1)";
+    QTest::addRow("reception on, every 15 s")
+        << false << "Option1_0" << 1 << true << 15000 << "Marvento JO62QM" << false
+        << "Status: GPS an (Com1)";
+    QTest::addRow("decimal degrees") << false << "Option4" << -1 << false << 30000 << "Marvento "
+                                     << true << "Status: GPS aus (Com1)";
+    QTest::addRow("ten-character locators") << false << "Option2_1" << -1 << false << 30000
+                                            << "Marvento " << true << "Status: GPS aus (Com1)";
+    QTest::addRow("GPS time only") << false << "Check1" << -1 << false << 30000 << "Marvento "
+                                   << false << "Status: GPS aus (Com1)";
+  }
+  void settingsOkAppliesToTheWindow() {
+    QFETCH(bool, startOn);
+    QFETCH(QString, button);
+    QFETCH(int, interval);
+    QFETCH(bool, ticking);
+    QFETCH(int, timerMs);
+    QFETCH(QString, title);
+    QFETCH(bool, fieldsEmptied);
+    QFETCH(QString, panel1);
+    IsolatedUser user;
+    QSettings(user.configFile(), QSettings::IniFormat)
+        .setValue("Ports/Com1", user.path() + QStringLiteral("/no-such-device"));
+    SaveSetting(SettingKey::Gps, startOn ? QStringLiteral("GPS an") : QStringLiteral("GPS aus"));
+    Program program;
+    frmMain* w = program.window();
+    w->setWindowTitle(QStringLiteral("Marvento JO62QM"));
+    for (QLineEdit* f : {w->tbMyLg, w->tbMyBr, w->tbFremdLg, w->tbFremdBr}) f->setText("1");
+    MsgBoxRecorder boxes;
+    QTimer driver;
+    QObject::connect(&driver, &QTimer::timeout, w, [&] {
+      auto* dialog = w->findChild<QDialog*>(QStringLiteral("frmOptions"));
+      if (!dialog || !dialog->isVisible()) return;
+      driver.stop();
+      if (!button.isEmpty()) dialog->findChild<QAbstractButton*>(button)->click();
+      if (interval >= 0) dialog->findChild<QComboBox*>("Combo3")->setCurrentIndex(interval);
+      dialog->findChild<QLineEdit*>("Text1")->setText(QStringLiteral("jo62qm"));
+      dialog->findChild<QCheckBox*>("chkRotor")->setChecked(true);
+      dialog->findChild<QPushButton*>("Command1")->click();
+    });
+    driver.start(20);
+    w->mnuGrundeinstellungen->trigger();
+
+    QCOMPARE(w->Timer1->isActive(), ticking);
+    QCOMPARE(w->Timer1->interval(), timerMs);
+    QCOMPARE(w->windowTitle(), title);
+    QCOMPARE(w->tbMyLg->text().isEmpty(), fieldsEmptied);
+    QCOMPARE(w->tbFremdBr->text().isEmpty(), fieldsEmptied);
+    QCOMPARE(w->Panel1->text(), panel1);
+    QCOMPARE(program.state().MyHomeLoc, QStringLiteral("JO62QM"));
+    QCOMPARE(GetSetting(SettingKey::MyHomeLoc, "missing"), QStringLiteral("JO62QM"));
+    QCOMPARE(GetSetting(SettingKey::Gpsd, "missing"), QStringLiteral("localhost:2947"));
+    QCOMPARE(GetSetting(SettingKey::Rotor, "missing"), QStringLiteral("127.0.0.1:4533"));
+    QCOMPARE(GetSetting(SettingKey::Wsjtx, "missing"), QString());
+    // The rest waits for the exit.
+    QCOMPARE(GetSetting(SettingKey::Com, "missing"), QStringLiteral("missing"));
+  }
+
+  // Regression: the scan lowered the port number below a port that is not there (an
+  // unplugged USB receiver), and Abbrechen left reception on that lower port under the old
+  // name.
+  void settingsCancelKeepsThePortPanelOneNames() {
+    IsolatedUser user;
+    marvento::test::Pty pty;
+    QVERIFY(pty.ok());
+    QSettings(user.configFile(), QSettings::IniFormat).setValue("Ports/Com3", pty.path());
+    SaveSetting(SettingKey::Com, QStringLiteral("Com9"));
+    Program program;
+    frmMain* w = program.window();
+    QTimer closer;
+    QObject::connect(&closer, &QTimer::timeout, w, [w] {
+      auto* dialog = w->findChild<QDialog*>(QStringLiteral("frmOptions"));
+      if (dialog && dialog->isVisible()) dialog->reject();
+    });
+    closer.start(20);
+    w->mnuGrundeinstellungen->trigger();
+    QCOMPARE(program.state().ComNumber, 9);
+    QCOMPARE(program.state().ComPort, QStringLiteral("Com9"));
+    QCOMPARE(w->Panel1->text(), QStringLiteral("Status: GPS aus (Com9)"));
+  }
+
   void gpsHeightWithReceptionOffOnlyTells() {
     IsolatedUser user;
     Program program;
@@ -516,14 +620,15 @@ class tst_frmMain : public QObject {
     QTest::keyClick(w->tbFremdLoc, Qt::Key_A, Qt::ControlModifier);
     QCOMPARE(boxes.count(), 1);
     const QString prompt = boxes.last().prompt;
-    QVERIFY2(prompt.endsWith(QStringLiteral("HoeheAusw.txt\nerfolgreich erstellt.")), qPrintable(prompt));
+    QVERIFY2(prompt.endsWith(QStringLiteral("HoeheAusw.txt\nerfolgreich erstellt.")),
+             qPrintable(prompt));
     const QString path = prompt.mid(6, prompt.indexOf(u'\n') - 6);
     QVERIFY(QFile::remove(path));
   }
 
   void logMenuCarriesTheFlag() {
     IsolatedUser user;
-    SaveSetting(QStringLiteral("Protokoll"), QStringLiteral("True"));
+    SaveSetting(SettingKey::Protokoll, QStringLiteral("True"));
     Program program;
     frmMain* w = program.window();
     QVERIFY(w->mnuProtokoll->isChecked());

@@ -30,9 +30,9 @@ class tst_GpsdSource : public QObject {
  private slots:
   void init() {
     m_user = std::make_unique<IsolatedUser>();
-    SaveSetting(QStringLiteral("GPS"), QStringLiteral("GPS an"));
-    SaveSetting(QStringLiteral("Com"), QStringLiteral("gpsd"));
-    SaveSetting(QStringLiteral("Grad_Dezimal"), QStringLiteral("True"));
+    SaveSetting(SettingKey::Gps, QStringLiteral("GPS an"));
+    SaveSetting(SettingKey::Com, QStringLiteral("gpsd"));
+    SaveSetting(SettingKey::GradDezimal, QStringLiteral("True"));
   }
   void cleanup() {
     m_feeder.stop();
@@ -89,7 +89,7 @@ class tst_GpsdSource : public QObject {
   // gpsd, and reception is off.
   void missingDaemonSwitchesReceptionOff() {
     const QString address = QStringLiteral("127.0.0.1:%1").arg(test::freePort());
-    SaveSetting(QStringLiteral("Gpsd"), address);
+    SaveSetting(SettingKey::Gpsd, address);
     test::RealBoxes boxes(Qt::Key_Return);
     QStringList texts;
     Program program;
@@ -118,7 +118,7 @@ class tst_GpsdSource : public QObject {
     QVERIFY(m_pty->ok());
     m_gpsd = std::make_unique<GpsdDaemon>();
     QVERIFY2(m_gpsd->start(m_pty->path()), "gpsd did not start listening");
-    SaveSetting(QStringLiteral("Gpsd"), m_gpsd->address());
+    SaveSetting(SettingKey::Gpsd, m_gpsd->address());
     connect(&m_feeder, &QTimer::timeout, this, [this, cycle] { m_pty->write(cycle(m_second++)); });
     m_feeder.start(200);
   }

@@ -13,7 +13,6 @@
 #include <memory>
 
 using marvento::CommControl;
-using marvento::Module1;
 using marvento::test::Pty;
 
 class tst_PortList : public QObject {
@@ -39,16 +38,16 @@ void tst_PortList::scan() {
   const struct {
     QList<int> freePorts, busyPorts;
     const char* settings;
-    int comNumberBefore, busyPortBefore;
+    int comNumberBefore;
     QStringList list;
-    int comNumber, busyPort, errors;
+    int comNumber, busyPort, errors;  // busyPort 0: the scan met none
   } cases[] = {
-      {{1, 3}, {}, "4800,N,8,1", 3, 0, {"Com1", "Com3"}, 3, 0, 27},
-      {{1, 3}, {}, "4800,N,8,1", 5, 0, {"Com1", "Com3"}, 3, 0, 27},  // beyond them: the last
-      {{}, {}, "4800,N,8,1", 4, 7, {}, 4, 7, 29},                    // an earlier busy port is kept
-      {{9}, {4, 12}, "4800,N,8,1", 1, 0, {"Com4", "Com9", "Com12"}, 1, 12, 28},  // higher stays
-      {{}, {29}, "4800,N,8,1", 6, 0, {"Com29"}, 6, 29, 29},
-      {{4}, {}, "abc,N,8,1", 9, 0, {"Com4"}, 4, 0, 29},  // an unreadable rate: free
+      {{1, 3}, {}, "4800,N,8,1", 3, {"Com1", "Com3"}, 3, 0, 27},
+      {{1, 3}, {}, "4800,N,8,1", 5, {"Com1", "Com3"}, 3, 0, 27},  // beyond them: the last
+      {{}, {}, "4800,N,8,1", 4, {}, 4, 0, 29},
+      {{9}, {4, 12}, "4800,N,8,1", 1, {"Com4", "Com9", "Com12"}, 1, 12, 28},  // higher stays
+      {{}, {29}, "4800,N,8,1", 6, {"Com29"}, 6, 29, 29},
+      {{4}, {}, "abc,N,8,1", 9, {"Com4"}, 4, 0, 29},  // an unreadable rate: free
   };
   for (const auto& c : cases) {
     marvento::test::SetNoPortDevices();
@@ -63,22 +62,20 @@ void tst_PortList::scan() {
       auto& holder = holders.emplace_back(std::make_unique<QSerialPort>(ptys[number]->path()));
       QVERIFY(holder->open(QIODevice::ReadWrite));
     }
-    Module1 state;
-    state.ComNumber = static_cast<std::int16_t>(c.comNumberBefore);
-    state.BusyPort = static_cast<std::int16_t>(c.busyPortBefore);
     CommControl control;
     control.setSettings(c.settings);
     QComboBox combo;
     combo.setEditable(true);
     combo.addItem(QStringLiteral("left over"));
 
-    const marvento::PortScanOutcome outcome = marvento::FillPortList(combo, control, state);
+    const marvento::PortScanOutcome outcome =
+        marvento::FillPortList(combo, control, static_cast<std::int16_t>(c.comNumberBefore));
     QStringList shown;
     for (int i = 0; i < combo.count(); ++i) shown << combo.itemText(i);
     QCOMPARE(shown, c.list);
     QCOMPARE(combo.currentIndex(), combo.count() - 1);
-    QCOMPARE(state.ComNumber, c.comNumber);
-    QCOMPARE(state.BusyPort, c.busyPort);
+    QCOMPARE(outcome.comNumber, c.comNumber);
+    QCOMPARE(outcome.busyPort.value_or(0), c.busyPort);
     QCOMPARE(outcome.errorCount, c.errors);
     QVERIFY(!outcome.gaveUp && !control.portOpen());
     QCOMPARE(QGuiApplication::overrideCursor(), nullptr);
@@ -96,18 +93,16 @@ void tst_PortList::givesUpAtTheErrorLimit() {
   QVERIFY(control.setCommPort(5).ok());
   QVERIFY(control.setPortOpen(true).ok());
 
-  Module1 state;
-  state.ComNumber = 7;
   QComboBox combo;
   combo.setEditable(true);
-  const marvento::PortScanOutcome outcome = marvento::FillPortList(combo, control, state);
+  const marvento::PortScanOutcome outcome = marvento::FillPortList(combo, control, 7);
 
   QVERIFY(outcome.gaveUp);
   QCOMPARE(outcome.errorCount, 40);
   QCOMPARE(combo.count(), 19);
   QCOMPARE(combo.currentIndex(), -1);
-  QCOMPARE(state.BusyPort, 20);
-  QCOMPARE(state.ComNumber, 7);
+  QCOMPARE(outcome.busyPort, std::optional<std::int16_t>(20));
+  QCOMPARE(outcome.comNumber, 7);
   QVERIFY(control.portOpen());
   QCOMPARE(QGuiApplication::overrideCursor(), nullptr);
 }

@@ -3,6 +3,7 @@
 #include "platform/CommControl.h"
 #include "platform/MsgBoxRecorder.h"
 #include "platform/Settings.h"
+#include "station/StationAddress.h"
 #include "support/Pty.h"
 
 #include <QCheckBox>
@@ -19,43 +20,10 @@
 
 using marvento::CommControl;
 using marvento::frmOptions;
-using marvento::Module1;
-using marvento::OptionsTargets;
+using marvento::Preferences;
+using marvento::SettingKey;
 
 namespace {
-
-// The main window's parts that the dialog writes, standing alone.
-struct MainParts {
-  QWidget window;
-  QTimer timer;
-  CommControl comm;
-  QLabel info{QStringLiteral("2 Versuche")};
-  QLineEdit myLg{QStringLiteral("13° 24' 36\"")}, myBr{QStringLiteral("52° 31' 12\"")};
-  QLineEdit fremdLg{QStringLiteral("2° 21' 0\"")}, fremdBr{QStringLiteral("48° 51' 0\"")};
-
-  MainParts() {
-    window.setWindowTitle(QStringLiteral("Marvento JO62QM"));
-    timer.setInterval(30000);
-  }
-  OptionsTargets targets() {
-    return {&timer, &comm, &info, &window, &myLg, &myBr, &fremdLg, &fremdBr};
-  }
-  bool fieldsEmpty() const {
-    return myLg.text().isEmpty() && myBr.text().isEmpty() && fremdLg.text().isEmpty() &&
-           fremdBr.text().isEmpty();
-  }
-  bool fieldsKept() const { return !myLg.text().isEmpty() && !fremdBr.text().isEmpty(); }
-};
-
-Module1 firstRunState() {
-  Module1 state;
-  state.ComPort = QStringLiteral("Com1");
-  state.ComNumber = 1;
-  state.ComSettings = QStringLiteral("4800,N,8,1");
-  state.GpsStatus = marvento::kGpsAus;
-  state.GpsIntervalSeconds = 30;
-  return state;
-}
 
 template <typename T>
 T* child(QWidget& dialog, const char* name) {
@@ -81,11 +49,8 @@ class tst_frmOptions : public QObject {
   }
 
   void ok();
-  void receptionOffClosesAndClears();
-  void receptionOnStartsTimer();
-  void formatChangeEmptiesCoordinates();
-  void cancelChangesNothing();
-  void cancelKeepsThePortPanelOneNames();
+  void buttons();
+  void scanReportsThePortThisProgramHolds();
   void typedDevicePath_data();
   void typedDevicePath();
   void sourceAndStationPrograms_data();
@@ -112,10 +77,10 @@ void tst_frmOptions::ok() {
       {"Com1", "4800", "30", "jo62qm", "Com1", 1, "4800,N,8,1", 30},
   };
   for (const auto& c : cases) {
-    Module1 state = firstRunState();
-    state.MyHomeLoc = QStringLiteral("JO31AB");
-    MainParts main;
-    frmOptions dialog(state, main.targets());
+    Preferences first;
+    first.MyHomeLoc = QStringLiteral("JO31AB");
+    CommControl probe;
+    frmOptions dialog(first, &probe);
     dialog.show();
     child<QComboBox>(dialog, "Combo1")->setEditText(c.port);
     child<QComboBox>(dialog, "Combo2")->setEditText(c.rate);
@@ -124,120 +89,74 @@ void tst_frmOptions::ok() {
     QTest::mouseClick(child<QPushButton>(dialog, "Command1"), Qt::LeftButton);
 
     QCOMPARE(dialog.result(), int(QDialog::Accepted));
-    QCOMPARE(state.ComPort, QString(c.comPort));
-    QCOMPARE(state.ComNumber, c.comNumber);
-    QCOMPARE(state.ComSettings, QString(c.comSettings));
-    QCOMPARE(state.GpsIntervalSeconds, c.seconds);
-    QCOMPARE(main.timer.interval(), c.seconds * 1000);
-    QCOMPARE(state.MyHomeLoc, QString(c.home).toUpper());
-    // Stored at once, whatever happens to the program later; nothing else before the exit.
-    QCOMPARE(marvento::GetSetting("MyHomeLoc", "missing"), QString(c.home).toUpper());
-    QCOMPARE(marvento::GetSetting("Com", "missing"), QStringLiteral("missing"));
+    const Preferences& chosen = dialog.chosen();
+    QCOMPARE(chosen.ComPort, QString(c.comPort));
+    QCOMPARE(chosen.ComNumber, c.comNumber);
+    QCOMPARE(chosen.ComSettings, QString(c.comSettings));
+    QCOMPARE(chosen.GpsIntervalSeconds, c.seconds);
+    QCOMPARE(chosen.MyHomeLoc, QString(c.home).toUpper());
+    // The dialog stores nothing itself; the window does, after OK.
+    QCOMPARE(marvento::GetSetting(SettingKey::MyHomeLoc, "missing"), QStringLiteral("missing"));
   }
 }
 
-void tst_frmOptions::receptionOffClosesAndClears() {
-  marvento::test::Pty pty;
-  QVERIFY(pty.ok());
-  marvento::test::SetPortDevice(3, pty.path());
-  Module1 state = firstRunState();
-  state.GpsStatus = marvento::kGpsAn;
-  MainParts main;
-  main.timer.start();
-  frmOptions dialog(state, main.targets());
-  // A poll that failed half-way leaves the port open behind the scan.
-  QVERIFY(main.comm.setCommPort(3).ok());
-  QVERIFY(main.comm.setPortOpen(true).ok());
-  dialog.show();
-  child<QRadioButton>(dialog, "Option1_1")->setChecked(true);
-  child<QPushButton>(dialog, "Command1")->click();
-
-  QCOMPARE(dialog.result(), int(QDialog::Accepted));
-  QCOMPARE(state.GpsStatus, marvento::kGpsAus);
-  QVERIFY(!main.timer.isActive());
-  QVERIFY(!main.comm.portOpen());
-  QCOMPARE(main.info.text(), QString());
-  QCOMPARE(main.window.windowTitle(), QStringLiteral("Marvento "));
-}
-
-void tst_frmOptions::receptionOnStartsTimer() {
-  Module1 state = firstRunState();
-  MainParts main;
-  frmOptions dialog(state, main.targets());
-  dialog.show();
-  child<QRadioButton>(dialog, "Option1_0")->setChecked(true);
-  child<QComboBox>(dialog, "Combo3")->setCurrentIndex(1);
-  child<QPushButton>(dialog, "Command1")->click();
-
-  QCOMPARE(state.GpsStatus, marvento::kGpsAn);
-  QVERIFY(main.timer.isActive());
-  QCOMPARE(main.timer.interval(), 15000);
-  QCOMPARE(main.info.text(), QStringLiteral("2 Versuche"));
-  QCOMPARE(main.window.windowTitle(), QStringLiteral("Marvento JO62QM"));
-}
-
-void tst_frmOptions::formatChangeEmptiesCoordinates() {
-  const std::pair<const char*, bool> cases[] = {
-      {"Option4", true}, {"Option2_1", true}, {"Option3", false}, {"Check1", false}};
-  for (const auto& [option, emptied] : cases) {
-    Module1 state = firstRunState();
-    MainParts main;
-    frmOptions dialog(state, main.targets());
-    dialog.show();
-    child<QAbstractButton>(dialog, option)->click();
-    child<QPushButton>(dialog, "Command1")->click();
-    QCOMPARE(main.fieldsEmpty(), emptied);
-    QCOMPARE(state.GradDezimal, option == QStringLiteral("Option4"));
-    QCOMPARE(state.Loc10st, option == QStringLiteral("Option2_1"));
-    QCOMPARE(state.GpsZeit, option == QStringLiteral("Check1"));
+// Each button of the three groups and the time box, shown from the preferences and returned.
+void tst_frmOptions::buttons() {
+  const struct {
+    const char* button;
+    bool receptionOn, gradDezimal, loc10st, gpsZeit;
+  } cases[] = {
+      {"Option1_0", true, false, false, false}, {"Option1_1", false, false, false, false},
+      {"Option4", false, true, false, false},   {"Option2_1", false, false, true, false},
+      {"Check1", false, false, false, true},
+  };
+  for (const auto& c : cases) {
+    for (const bool startOn : {false, true}) {
+      Preferences current;
+      current.receptionOn = current.GradDezimal = current.Loc10st = current.GpsZeit = startOn;
+      frmOptions dialog(current, nullptr);
+      dialog.show();
+      QCOMPARE(child<QRadioButton>(dialog, "Option1_0")->isChecked(), startOn);
+      QCOMPARE(child<QRadioButton>(dialog, "Option4")->isChecked(), startOn);
+      QCOMPARE(child<QRadioButton>(dialog, "Option2_1")->isChecked(), startOn);
+      QCOMPARE(child<QCheckBox>(dialog, "Check1")->isChecked(), startOn);
+      // All off, then the one button.
+      for (const char* name : {"Option1_1", "Option3", "Option2_0"}) {
+        child<QRadioButton>(dialog, name)->setChecked(true);
+      }
+      child<QCheckBox>(dialog, "Check1")->setChecked(false);
+      child<QAbstractButton>(dialog, c.button)->click();
+      child<QPushButton>(dialog, "Command1")->click();
+      const Preferences& chosen = dialog.chosen();
+      QCOMPARE(chosen.receptionOn, c.receptionOn);
+      QCOMPARE(chosen.GradDezimal, c.gradDezimal);
+      QCOMPARE(chosen.Loc10st, c.loc10st);
+      QCOMPARE(chosen.GpsZeit, c.gpsZeit);
+    }
   }
 }
 
-// By the button or by the close box.
-void tst_frmOptions::cancelChangesNothing() {
-  for (const bool closeBox : {false, true}) {
-    Module1 state = firstRunState();
-    state.GpsStatus = marvento::kGpsAn;
-    state.MyHomeLoc = QStringLiteral("JO31AB");
-    MainParts main;
-    frmOptions dialog(state, main.targets());
-    dialog.show();
-    child<QComboBox>(dialog, "Combo1")->setEditText(QStringLiteral("Com7"));
-    child<QComboBox>(dialog, "Combo3")->setEditText(QStringLiteral("45"));
-    child<QLineEdit>(dialog, "Text1")->setText(QStringLiteral("jo62qm"));
-    child<QRadioButton>(dialog, "Option1_1")->setChecked(true);
-    child<QRadioButton>(dialog, "Option4")->setChecked(true);
-    closeBox ? void(dialog.close()) : child<QPushButton>(dialog, "Command2")->click();
-
-    QCOMPARE(dialog.result(), int(QDialog::Rejected));
-    QCOMPARE(state.ComPort, QStringLiteral("Com1"));
-    QCOMPARE(state.GpsIntervalSeconds, 30);
-    QCOMPARE(state.MyHomeLoc, QStringLiteral("JO31AB"));
-    QCOMPARE(state.GpsStatus, marvento::kGpsAn);
-    QVERIFY(!state.GradDezimal);
-    QVERIFY(!main.timer.isActive());  // the menu command stopped it; it restarts it itself
-    QVERIFY(main.fieldsKept());
-    QCOMPARE(marvento::GetSetting(QStringLiteral("MyHomeLoc"), QStringLiteral("missing")),
-             QStringLiteral("missing"));
-  }
-}
-
-// Regression: the scan lowered ComNumber below a port that is not there (an unplugged USB
-// receiver), and Abbrechen left reception on that lower port under the old name.
-void tst_frmOptions::cancelKeepsThePortPanelOneNames() {
-  marvento::test::Pty pty;
-  QVERIFY(pty.ok());
-  marvento::test::SetPortDevice(3, pty.path());
-  Module1 state = firstRunState();
-  state.ComPort = QStringLiteral("Com9");
-  state.ComNumber = 9;
-  MainParts main;
-  frmOptions dialog(state, main.targets());
-  QCOMPARE(state.ComNumber, 3);  // what the scan offers
-  dialog.show();
-  child<QPushButton>(dialog, "Command2")->click();
-  QCOMPARE(state.ComNumber, 9);
-  QCOMPARE(state.ComPort, QStringLiteral("Com9"));
+// The scan may lower the port number to the highest port there is, and it reports a port
+// that this program holds open, so that the poll skips the busy-port question there.
+void tst_frmOptions::scanReportsThePortThisProgramHolds() {
+  marvento::test::Pty held, free;
+  QVERIFY(held.ok() && free.ok());
+  marvento::test::SetPortDevice(3, held.path());
+  marvento::test::SetPortDevice(5, free.path());
+  // The serial control of a poll holds the port while the dialog's probe scans.
+  CommControl comm;
+  QVERIFY(comm.setCommPort(3).ok());
+  QVERIFY(comm.setPortOpen(true).ok());
+  Preferences current;
+  current.ComPort = QStringLiteral("Com9");
+  current.ComNumber = 9;
+  CommControl probe;
+  frmOptions dialog(current, &probe);
+  QCOMPARE(dialog.chosen().ComNumber, 5);
+  QCOMPARE(dialog.busyPort(), std::optional<std::int16_t>(3));
+  // Abbrechen: the window takes the busy port, not the lowered number.
+  dialog.reject();
+  QCOMPARE(dialog.busyPort(), std::optional<std::int16_t>(3));
 }
 
 void tst_frmOptions::typedDevicePath_data() {
@@ -272,10 +191,9 @@ void tst_frmOptions::typedDevicePath() {
   QVERIFY(QFile::link(pty.path(), link));
   typed.replace(QStringLiteral("%pty"), pty.path()).replace(QStringLiteral("%link"), link);
 
-  Module1 state = firstRunState();
-  MainParts main;
+  CommControl probe;
   marvento::MsgBoxRecorder boxes;
-  frmOptions dialog(state, main.targets());
+  frmOptions dialog(Preferences{}, &probe);
   dialog.show();
   child<QComboBox>(dialog, "Combo1")->setEditText(typed);
   child<QPushButton>(dialog, "Command1")->click();
@@ -284,13 +202,11 @@ void tst_frmOptions::typedDevicePath() {
   QVERIFY2(boxes.last().prompt.startsWith(box), qPrintable(boxes.last().prompt));
   if (number == 0) {
     QVERIFY(dialog.isVisible());
-    QCOMPARE(state.ComPort, QStringLiteral("Com1"));
-    QCOMPARE(state.ComNumber, 1);
     return;
   }
   QCOMPARE(dialog.result(), int(QDialog::Accepted));
-  QCOMPARE(state.ComNumber, number);
-  QCOMPARE(state.ComPort, QStringLiteral("Com%1").arg(number));
+  QCOMPARE(dialog.chosen().ComNumber, number);
+  QCOMPARE(dialog.chosen().ComPort, QStringLiteral("Com%1").arg(number));
   QVERIFY2(
       boxes.last().prompt.endsWith(QStringLiteral(" wird als Com%1 angesprochen.").arg(number)),
       qPrintable(boxes.last().prompt));
@@ -306,67 +222,36 @@ void tst_frmOptions::sourceAndStationPrograms_data() {
   QTest::addColumn<QString>("rotor");
   QTest::addColumn<QString>("box");  // the refusal's start; empty when accepted
   QTest::addColumn<QString>("comPort");
-  QTest::addColumn<QString>("storedGpsd");  // "missing" when the key stays unwritten
-  QTest::addColumn<QString>("storedWsjtx");
-  QTest::addColumn<QString>("storedRotor");
+  QTest::addColumn<QString>("chosenGpsd");
+  QTest::addColumn<QString>("chosenWsjtx");  // as stored: empty when off
+  QTest::addColumn<QString>("chosenRotor");
 
-  QTest::newRow("gpsd at its default") << "gpsd"
-                                       << "localhost:2947"
-                                       << ""
-                                       << ""
-                                       << ""
-                                       << "gpsd"
-                                       << "localhost:2947"
-                                       << ""
-                                       << "";
+  const QString none;
+  const QString localGpsd = QStringLiteral("localhost:2947");
+  QTest::newRow("gpsd at its default")
+      << "gpsd" << localGpsd << none << none << none << "gpsd" << localGpsd << none << none;
   QTest::newRow("gpsd elsewhere, programs on") << "GPSD"
                                                << " 192.168.1.5:2948 "
                                                << "224.0.0.1:2237"
-                                               << "[::1]"
-                                               << ""
-                                               << "gpsd"
+                                               << "[::1]" << none << "gpsd"
                                                << "192.168.1.5:2948"
                                                << "224.0.0.1:2237"
                                                << "[::1]:4533";
   QTest::newRow("gpsd address refused") << "gpsd"
-                                        << "localhost:x"
-                                        << ""
-                                        << ""
-                                        << "Ungültige gpsd-Adresse"
-                                        << "Com1"
-                                        << "missing"
-                                        << "missing"
-                                        << "missing";
-  QTest::newRow("a port ignores a bad gpsd address") << "Com2"
-                                                     << "localhost:x"
-                                                     << ""
-                                                     << ""
-                                                     << ""
-                                                     << "Com2"
-                                                     << "missing"
-                                                     << ""
-                                                     << "";
-  QTest::newRow("WSJT-X needs an address to listen on") << "gpsd"
-                                                        << "localhost:2947"
-                                                        << "rechner:2237"
-                                                        << ""
-                                                        << "Die Adresse „rechner:2237“ für WSJT-X"
-                                                        << "Com1"
-                                                        << "missing"
-                                                        << "missing"
-                                                        << "missing";
-  QTest::newRow("rotor port out of range") << "Com1"
-                                           << "localhost:2947"
-                                           << ""
-                                           << "127.0.0.1:70000"
+                                        << "localhost:x" << none << none << "Ungültige gpsd-Adresse"
+                                        << "Com1" << localGpsd << none << none;
+  QTest::newRow("a port ignores a bad gpsd address")
+      << "Com2"
+      << "localhost:x" << none << none << none << "Com2" << localGpsd << none << none;
+  QTest::newRow("WSJT-X needs an address to listen on")
+      << "gpsd" << localGpsd << "rechner:2237" << none << "Die Adresse „rechner:2237“ für WSJT-X"
+      << "Com1" << localGpsd << none << none;
+  QTest::newRow("rotor port out of range") << "Com1" << localGpsd << none << "127.0.0.1:70000"
                                            << "Die Adresse „127.0.0.1:70000“ für Rotor"
-                                           << "Com1"
-                                           << "missing"
-                                           << "missing"
-                                           << "missing";
+                                           << "Com1" << localGpsd << none << none;
 }
 
-// gpsd as a source and the station programs: checked before anything changes, stored at OK.
+// gpsd as a source and the station programs: checked before anything changes.
 void tst_frmOptions::sourceAndStationPrograms() {
   QFETCH(QString, port);
   QFETCH(QString, gpsd);
@@ -374,14 +259,13 @@ void tst_frmOptions::sourceAndStationPrograms() {
   QFETCH(QString, rotor);
   QFETCH(QString, box);
   QFETCH(QString, comPort);
-  QFETCH(QString, storedGpsd);
-  QFETCH(QString, storedWsjtx);
-  QFETCH(QString, storedRotor);
+  QFETCH(QString, chosenGpsd);
+  QFETCH(QString, chosenWsjtx);
+  QFETCH(QString, chosenRotor);
 
-  Module1 state = firstRunState();
-  MainParts main;
+  CommControl probe;
   marvento::MsgBoxRecorder boxes;
-  frmOptions dialog(state, main.targets());
+  frmOptions dialog(Preferences{}, &probe);
   dialog.show();
   QVERIFY(child<QComboBox>(dialog, "Combo1")->findText(QStringLiteral("gpsd")) >= 0);
   child<QComboBox>(dialog, "Combo1")->setEditText(port);
@@ -404,25 +288,26 @@ void tst_frmOptions::sourceAndStationPrograms() {
     QVERIFY2(boxes.last().prompt.startsWith(box), qPrintable(boxes.last().prompt));
     QVERIFY(dialog.isVisible());
   }
-  QCOMPARE(state.ComPort, comPort);
-  QCOMPARE(marvento::GetSetting("Gpsd", "missing"), storedGpsd);
-  QCOMPARE(marvento::GetSetting("Wsjtx", "missing"), storedWsjtx);
-  QCOMPARE(marvento::GetSetting("Js8Call", "missing"),
-           box.isEmpty() ? QString() : QStringLiteral("missing"));
-  QCOMPARE(marvento::GetSetting("Rotor", "missing"), storedRotor);
+  const Preferences& chosen = dialog.chosen();
+  QCOMPARE(chosen.ComPort, comPort);
+  QCOMPARE(chosen.GpsdAddress, chosenGpsd);
+  QCOMPARE(marvento::StationAddressText(chosen.stations[0]), chosenWsjtx);
+  QCOMPARE(chosen.stations[1].status, marvento::StationAddress::Off);
+  QCOMPARE(marvento::StationAddressText(chosen.stations[2]), chosenRotor);
 }
 
 void tst_frmOptions::storedStationProgramsAreShown() {
-  marvento::SaveSetting(QStringLiteral("Js8Call"), QStringLiteral("10.0.0.7:2442"));
-  marvento::SaveSetting(QStringLiteral("Rotor"), QStringLiteral("kein Rotor"));  // edited by hand
-  Module1 state = firstRunState();
-  state.GpsdAddress = QStringLiteral("pi.local:2947");
-  MainParts main;
-  frmOptions dialog(state, main.targets());
+  Preferences current;
+  current.GpsdAddress = QStringLiteral("pi.local:2947");
+  current.stations[1] = marvento::ParseStationAddress(QStringLiteral("10.0.0.7:2442"),
+                                                      marvento::StationProgram::Js8Call);
+  // An address that does not read counts as off; the field offers the usual one.
+  current.stations[2] =
+      marvento::ParseStationAddress(QStringLiteral("kein Rotor"), marvento::StationProgram::Rotor);
+  frmOptions dialog(current, nullptr);
   QCOMPARE(child<QLineEdit>(dialog, "tbGpsd")->text(), QStringLiteral("pi.local:2947"));
   QVERIFY(child<QCheckBox>(dialog, "chkJs8Call")->isChecked());
   QCOMPARE(child<QLineEdit>(dialog, "tbJs8Call")->text(), QStringLiteral("10.0.0.7:2442"));
-  // An address that does not read counts as off; the field offers the usual one.
   QVERIFY(!child<QCheckBox>(dialog, "chkRotor")->isChecked());
   QVERIFY(!child<QLineEdit>(dialog, "tbRotor")->isEnabled());
   QCOMPARE(child<QLineEdit>(dialog, "tbRotor")->text(), QStringLiteral("127.0.0.1:4533"));

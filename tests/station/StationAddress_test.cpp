@@ -97,7 +97,7 @@ TEST_F(StationAddressStore, KeysHoldHostPortTextAndEmptyMeansOff) {
   EXPECT_EQ(LoadStationAddress(StationProgram::Rotor).port, 4533);
 
   // A value edited in by hand that is no address switches the link off.
-  SaveSetting(QStringLiteral("Wsjtx"), QStringLiteral("wsjtx.example:99999"));
+  SaveSetting(SettingKey::Wsjtx, QStringLiteral("wsjtx.example:99999"));
   EXPECT_EQ(LoadStationAddress(StationProgram::Wsjtx).status, StationAddress::Off);
 }
 

@@ -44,13 +44,11 @@ Program::Program() {
   }();
   (void)guarded;
   State() = Module1{};
-  Main();
-  m_window = State().MainForm;
+  m_window = Main();
 }
 
 Program::~Program() {
   delete m_window;
-  State().MainForm = nullptr;
   ReleaseInstanceLock();
   QCoreApplication::processEvents();
 }

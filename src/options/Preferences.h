@@ -1,0 +1,29 @@
+#pragma once
+
+#include "gps/GpsExchange.h"
+#include "station/StationAddress.h"
+
+#include <QString>
+
+#include <array>
+#include <cstdint>
+
+namespace marvento {
+
+// The settings that the dialog "Grundeinstellungen" shows and returns; the window applies
+// them. Field names as in the state record.
+struct Preferences {
+  bool receptionOn = false;  // "GPS an"
+  bool GpsZeit = false;
+  bool GradDezimal = false;
+  bool Loc10st = false;
+  std::int32_t GpsIntervalSeconds = 30;
+  QString ComPort = QStringLiteral("Com1");  // "Com1" to "Com29", or "gpsd"
+  std::int16_t ComNumber = 1;
+  QString ComSettings = QStringLiteral("4800,N,8,1");
+  QString MyHomeLoc;
+  QString GpsdAddress = kDefaultGpsdAddress;
+  std::array<StationAddress, 3> stations{};  // in StationProgram order; Off when not used
+};
+
+}  // namespace marvento
