@@ -148,4 +148,32 @@ void BM_ComputeRefusedLongText(benchmark::State& state) {
 }
 BENCHMARK(BM_ComputeRefusedLongText);
 
+// The decision alone, without widgets: what the window adds is the rest of the figures above.
+void BM_DecideUnchanged(benchmark::State& state) {
+  useGerman();
+  ComputeTexts fields;
+  fields[ComputeField::MyLoc] = QStringLiteral("JO62QM");
+  fields[ComputeField::FremdLoc] = QStringLiteral("JO31NK");
+  const QString radius = QStringLiteral("6371,00079");
+  const ComputePreferences prefs{true, false, false};
+  ComputeOutcome first = DecideCompute(fields, radius, {}, prefs);
+  for (auto _ : state) {
+    ComputeOutcome out = DecideCompute(first.fields, radius, first.memory, prefs);
+    benchmark::DoNotOptimize(out);
+    if (out.route != Route::Unchanged) state.SkipWithError("not the unchanged route");
+  }
+}
+BENCHMARK(BM_DecideUnchanged);
+
+void BM_DecideBothLocators(benchmark::State& state) {
+  useGerman();
+  ComputeTexts fields;
+  fields[ComputeField::MyLoc] = QStringLiteral("jo62qm");
+  fields[ComputeField::FremdLoc] = QStringLiteral("jo31nk");
+  const QString radius = QStringLiteral("6371,00079");
+  const ComputePreferences prefs{true, false, false};
+  for (auto _ : state) benchmark::DoNotOptimize(DecideCompute(fields, radius, {}, prefs));
+}
+BENCHMARK(BM_DecideBothLocators);
+
 }  // namespace

@@ -310,29 +310,30 @@ Route PickRoute(const ComputeTexts& entry, const ComputeMemory& memory) {
   return Route::Unchanged;
 }
 
-ComputeOutcome DecideCompute(const ComputeTexts& fields, const QString& radiusText,
-                             const ComputeMemory& memory, const ComputePreferences& preferences) {
+ComputeOutcome DecideCompute(ComputeTexts fields, const QString& radiusText, ComputeMemory memory,
+                             const ComputePreferences& preferences) {
   ComputeTexts entry;
   for (std::size_t i = 0; i < kComputeFieldCount; ++i) entry.text[i] = trimBlanks(fields.text[i]);
-  Run run{entry, preferences, {}};
-  run.out.fields = fields;
-  run.out.memory = memory;
+  Run run{std::move(entry), preferences, {}};
+  run.out.fields = std::move(fields);
+  run.out.route = PickRoute(run.entry, memory);
+  run.out.memory = std::move(memory);
 
   const QString incomplete = QStringLiteral(" Unvollständige Eingabe !");
-  if (entry[F::MyLoc].isEmpty() && (entry[F::MyLg].isEmpty() || entry[F::MyBr].isEmpty())) {
+  if (run.entry[F::MyLoc].isEmpty() &&
+      (run.entry[F::MyLg].isEmpty() || run.entry[F::MyBr].isEmpty())) {
     (void)run.refuse(QStringLiteral("Mein Locator"), incomplete, true, F::MyLoc);
-    return run.out;
+    return std::move(run.out);
   }
-  if (entry[F::FremdLoc].isEmpty() &&
-      (entry[F::FremdLg].isEmpty() || entry[F::FremdBr].isEmpty())) {
+  if (run.entry[F::FremdLoc].isEmpty() &&
+      (run.entry[F::FremdLg].isEmpty() || run.entry[F::FremdBr].isEmpty())) {
     (void)run.refuse(QStringLiteral("Fremdlocator"), incomplete, true, F::FremdLoc);
-    return run.out;
+    return std::move(run.out);
   }
 
-  run.out.route = PickRoute(entry, memory);
   const Step step = runRoute(run, radiusText);
   if (step.kind == Step::Fault) settleFault(run, step.error);
-  return run.out;
+  return std::move(run.out);
 }
 
 }  // namespace marvento

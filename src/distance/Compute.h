@@ -85,7 +85,7 @@ struct ComputeOutcome {
 // in the other description, and solves distance and bearing on a sphere of the radius in
 // radiusText (kilometres, as Combo1 shows it). A refusal is part of the outcome, never an
 // exception.
-ComputeOutcome DecideCompute(const ComputeTexts& fields, const QString& radiusText,
-                             const ComputeMemory& memory, const ComputePreferences& preferences);
+ComputeOutcome DecideCompute(ComputeTexts fields, const QString& radiusText, ComputeMemory memory,
+                             const ComputePreferences& preferences);
 
 }  // namespace marvento

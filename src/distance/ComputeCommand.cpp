@@ -36,8 +36,9 @@ void ComputeCommand::Compute() {
   for (std::size_t i = 0; i < kComputeFieldCount; ++i) {
     texts.text[i] = field(static_cast<ComputeField>(i))->text();
   }
-  const ComputeOutcome out = DecideCompute(texts, m_fields.Combo1->currentText(), m_memory,
-                                           m_preferences ? m_preferences() : ComputePreferences{});
+  ComputeOutcome out =
+      DecideCompute(std::move(texts), m_fields.Combo1->currentText(), std::move(m_memory),
+                    m_preferences ? m_preferences() : ComputePreferences{});
 
   for (std::size_t i = 0; i < kComputeFieldCount; ++i) {
     if (!out.written[i]) continue;
@@ -47,7 +48,7 @@ void ComputeCommand::Compute() {
   }
   if (out.entfernung) m_fields.lblEntfernung->setText(*out.entfernung);
   if (out.richtung) m_fields.lblRichtung->setText(*out.richtung);
-  m_memory = out.memory;
+  m_memory = std::move(out.memory);
   if (out.writeLog && m_writeGpsLog) m_writeGpsLog();
   if (out.beep) Beep();
   if (out.refusal) {
