@@ -3,7 +3,6 @@
 // event-driven exchange of now; the delay from the completing "$G" to the new text in tbMyLg.
 
 #include "../tests/support/Pty.h"
-#include "app/Module1.h"
 #include "gps/GpsPoll.h"
 #include "gps/SentenceDecoding.h"
 #include "gps/SerialExchange.h"
@@ -182,18 +181,22 @@ void BM_LatencyToTbMyLg(benchmark::State& state) {
   test::Pty pty;
   test::SetPortDevice(1, pty.path());
   CommControl comm;
-  Module1 module;
-  module.GpsStatus = kGpsAn;
-  module.GradDezimal = true;
-  QLabel lbInfo, lbKurs, panel1, panel2;
+  QLabel lbInfo, lbKurs, panel2;
   QLineEdit tbMyLoc, tbMyLg, tbMyBr, tbFremdLoc, tbFremdLg, tbFremdBr;
   QTimer timer;
   std::chrono::steady_clock::time_point shown;
   GpsPollHooks hooks;
+  hooks.Settings = [] {
+    GpsPollSettings settings;
+    settings.comPort = QStringLiteral("Com1");
+    settings.receptionOn = true;
+    settings.gradDezimal = true;
+    return settings;
+  };
   hooks.Compute = [&] { shown = std::chrono::steady_clock::now(); };
-  GpsPoll poll(module,
+  GpsPoll poll(
                {&lbInfo, &lbKurs, &tbMyLoc, &tbMyLg, &tbMyBr, &tbFremdLoc, &tbFremdLg, &tbFremdBr,
-                &panel1, &panel2, &timer, &comm},
+                &panel2, &timer, &comm},
                hooks, SystemClock());
   std::vector<double> samples;
   for (auto _ : state) {

@@ -20,7 +20,6 @@ struct Module1 {
   std::int32_t GpsIntervalSeconds = 0;
   std::int16_t ComNumber = 0;
   bool ProtokollOn = false;
-  bool GpsDataSeen = false;
   bool GradDezimal = false;
   bool GpsZeit = false;
   bool Loc10st = false;

@@ -27,7 +27,6 @@ StartupSettings ReadStartupSettings(Module1& state) {
   state.MyHomeLoc = GetSetting(SettingKey::MyHomeLoc, QString());
   result.radiusPosition =
       ReadRadiusPosition(GetSetting(SettingKey::Radius, QStringLiteral("2"))).value_or(2);
-  state.GpsDataSeen = false;
   state.GpsdAddress = GetSetting(SettingKey::Gpsd, kDefaultGpsdAddress);
   std::optional<std::int16_t> number = ComNumberOf(state.ComPort);
   if (IsGpsdSource(state.ComPort)) {

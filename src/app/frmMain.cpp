@@ -128,16 +128,24 @@ frmMain::frmMain(Module1& state, QWidget* parent)
       [this] { WriteGpsLog(); });
 
   const GpsPollView pollView{lbInfo,    lbKurs,    tbMyLoc, tbMyLg, tbMyBr, tbFremdLoc,
-                             tbFremdLg, tbFremdBr, Panel1,  Panel2, Timer1, MSComm1};
+                             tbFremdLg, tbFremdBr, Panel2,  Timer1, MSComm1};
   GpsPollHooks hooks;
+  hooks.Settings = [this] {
+    return GpsPollSettings{m_state.ComPort, m_state.GpsdAddress, m_state.BusyPort,
+                           GpsOn(m_state),  m_state.GradDezimal, m_state.GpsZeit};
+  };
+  hooks.ReceptionOff = [this] {
+    SetGpsOn(m_state, false);
+    Panel1->setText(statusText());
+  };
   hooks.Compute = [this] { fixComputed(); };
   hooks.HeightSample = [this](const QString& alt, const QString& unit, const QString& sats) {
     HeightSample(alt, unit, sats);
   };
   hooks.UnlockEntry = [this] { UnlockEntry(); };
-  m_sub->poll = std::make_unique<GpsPoll>(m_state, pollView, std::move(hooks), SystemClock());
-  m_sub->log =
-      std::make_unique<GpsLog>(m_state, GpsLogView{Panel2, tbMyLoc, lbInfo, Timer1}, SystemClock());
+  m_sub->poll = std::make_unique<GpsPoll>(pollView, std::move(hooks), SystemClock());
+  m_sub->log = std::make_unique<GpsLog>([this] { return GpsOn(m_state); },
+                                        GpsLogView{Panel2, tbMyLoc, lbInfo, Timer1}, SystemClock());
   m_sub->links = std::make_unique<StationLinks>();
   connect(m_sub->links.get(), &StationLinks::rotorSwitched, this, [this](bool on) {
     Panel6->setText(QStringLiteral("Rotor ?"));

@@ -3,7 +3,6 @@
 #include "platform/PrintZones.h"
 #include "platform/Timer.h"
 
-#include "app/Module1.h"
 #include "platform/Clock.h"
 
 #include <QDir>
@@ -78,8 +77,8 @@ std::optional<QString> AppendToFile(const QString& path, const QString& text) {
   return std::nullopt;
 }
 
-GpsLog::GpsLog(Module1& state, const GpsLogView& view, Clock& clock)
-    : m_state(state), m_view(view), m_clock(clock) {}
+GpsLog::GpsLog(std::function<bool()> receptionOn, const GpsLogView& view, Clock& clock)
+    : m_receptionOn(std::move(receptionOn)), m_view(view), m_clock(clock) {}
 
 void GpsLog::WriteGpsLog() {
   const QString dateItem = LogDateText(m_clock.date());
@@ -87,7 +86,7 @@ void GpsLog::WriteGpsLog() {
   const QString locItem = m_view.tbMyLoc ? m_view.tbMyLoc->text() : QString();
   if (locItem == m_lastLogLoc || timeItem == m_lastLogTime) return;
 
-  const bool on = m_state.GpsStatus == kGpsAn;
+  const bool on = m_receptionOn && m_receptionOn();
   if (on && m_view.Timer1) m_view.Timer1->stop();
   const auto error =
       AppendToFile(kFileName, PrintZones({dateItem, timeItem, locItem}) + QStringLiteral("\r\n"));

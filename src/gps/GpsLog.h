@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 class QLabel;
@@ -13,7 +14,6 @@ class QTimer;
 namespace marvento {
 
 class Clock;
-struct Module1;
 
 // The date in the machine's short form, with four-digit years ("18.11.2026" in German).
 QString LogDateText(QDate date);
@@ -38,7 +38,8 @@ class GpsLog {
  public:
   static inline const QString kFileName = QStringLiteral("GPS_Protokoll.txt");
 
-  GpsLog(Module1& state, const GpsLogView& view, Clock& clock);
+  // receptionOn tells whether GPS reception is on at the moment of a write.
+  GpsLog(std::function<bool()> receptionOn, const GpsLogView& view, Clock& clock);
 
   // Appends a line if both the panel time and tbMyLoc differ from the last line written.
   // Timer1 is stopped around the write while reception is on and started again after it,
@@ -55,7 +56,7 @@ class GpsLog {
   const QString& LastLogLoc() const { return m_lastLogLoc; }
 
  private:
-  Module1& m_state;
+  std::function<bool()> m_receptionOn;
   GpsLogView m_view;
   Clock& m_clock;
   QString m_lastLogTime;

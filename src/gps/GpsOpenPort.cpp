@@ -1,7 +1,5 @@
 #include "gps/GpsOpenPort.h"
 
-#include "app/Module1.h"
-
 #include <QEventLoop>
 #include <QLabel>
 
@@ -9,20 +7,18 @@
 
 namespace marvento {
 
-QString GpsOpenPort(CommControl& MSComm1, const Module1& state, QLabel* lbInfo, std::int16_t Port,
-                    const QString& Settings, QString& RawBuffer) {
-  RawBuffer.clear();
+ExchangeResult GpsOpenPort(CommControl& MSComm1, std::int16_t busyPort, QLabel* lbInfo,
+                           std::int16_t Port, const QString& Settings) {
   if (lbInfo) lbInfo->clear();
   SerialExchange exchange(MSComm1);
   QEventLoop loop;
   std::optional<ExchangeResult> result;
-  exchange.start({Port, Settings, state.BusyPort, {}}, [&](const ExchangeResult& r) {
+  exchange.start({Port, Settings, busyPort, {}}, [&](const ExchangeResult& r) {
     result = r;
     loop.quit();
   });
   if (!result) loop.exec();
-  RawBuffer = result->rawBuffer;
-  return result->text();
+  return *result;
 }
 
 }  // namespace marvento

@@ -1,6 +1,5 @@
 #include "gps/GpsPoll.h"
 
-#include "app/Module1.h"
 #include "gps/EntryLock.h"
 #include "gps/GpsTime.h"
 #include "gps/GpsdExchange.h"
@@ -27,8 +26,8 @@ bool onlyBlanks(const QString& text) {
 
 }  // namespace
 
-GpsPoll::GpsPoll(Module1& state, const GpsPollView& view, GpsPollHooks hooks, Clock& clock)
-    : m_state(state), m_view(view), m_hooks(std::move(hooks)), m_clock(clock) {
+GpsPoll::GpsPoll(const GpsPollView& view, GpsPollHooks hooks, Clock& clock)
+    : m_view(view), m_hooks(std::move(hooks)), m_clock(clock) {
   if (m_view.MSComm1) m_exchange = std::make_unique<SerialExchange>(*m_view.MSComm1);
 }
 
@@ -37,8 +36,12 @@ GpsPoll::~GpsPoll() {
   if (m_gpsd) m_gpsd->cancel();
 }
 
+GpsPollSettings GpsPoll::settings() const {
+  return m_hooks.Settings ? m_hooks.Settings() : GpsPollSettings{};
+}
+
 GpsExchange* GpsPoll::current() {
-  if (!IsGpsdSource(m_state.ComPort)) return m_exchange.get();
+  if (!IsGpsdSource(settings().comPort)) return m_exchange.get();
   if (!m_gpsd) m_gpsd = std::make_unique<GpsdExchange>();
   return m_gpsd.get();
 }
@@ -63,8 +66,9 @@ void GpsPoll::poll(std::int16_t port, const QString& settings, std::function<voi
                                     QStringLiteral("Keine Schnittstelle")));
     return;
   }
-  const QString address = m_state.GpsdAddress.isEmpty() ? kDefaultGpsdAddress : m_state.GpsdAddress;
-  m_running->start({port, settings, m_state.BusyPort, address},
+  const GpsPollSettings now = this->settings();
+  const QString address = now.gpsdAddress.isEmpty() ? kDefaultGpsdAddress : now.gpsdAddress;
+  m_running->start({port, settings, now.busyPort, address},
                    [this](const ExchangeResult& result) { finished(result); });
 }
 
@@ -100,7 +104,7 @@ void GpsPoll::end() {
 }
 
 void GpsPoll::failure(QString reason) {
-  const int maxTries = m_state.GpsDataSeen ? 6 : 3;
+  const int maxTries = m_dataSeen ? 6 : 3;
   // A count that no longer fits is a dropped step, as everywhere in the poll.
   if (m_gpsTries < std::numeric_limits<std::int16_t>::max()) ++m_gpsTries;
   if (m_view.lbInfo) {
@@ -110,27 +114,24 @@ void GpsPoll::failure(QString reason) {
   if (m_gpsTries < maxTries) return;
 
   if (m_view.lbInfo) m_view.lbInfo->clear();
-  m_state.GpsStatus = kGpsAus;
   ResetMousePointer();
   if (m_view.Timer1 && m_view.Timer1->isActive()) m_view.Timer1->stop();
-  if (m_view.panel1) {
-    m_view.panel1->setText(QStringLiteral("Status: ") + m_state.GpsStatus + QStringLiteral(" (") +
-                           m_state.ComPort + u')');
-  }
+  if (m_hooks.ReceptionOff) m_hooks.ReceptionOff();
   MsgBox(QStringLiteral("GPS-Datenübertragungsfehler:\n") + reason +
              QStringLiteral("\nGPS-Empfang wurde deaktiviert !"),
          vbExclamation, QStringLiteral(" Fehler"));
   if (m_view.MSComm1 && m_view.MSComm1->portOpen()) m_view.MSComm1->setPortOpen(false);
   closeGpsd();
-  m_state.GpsDataSeen = false;
+  m_dataSeen = false;
 }
 
 void GpsPoll::data(const QString& sentence, const QString& rawBuffer, QString& kursText) {
   m_gpsTries = 0;
-  m_state.GpsDataSeen = true;
+  m_dataSeen = true;
+  const GpsPollSettings now = settings();
 
   const DecodedSentence d = DecodeSentence(sentence, rawBuffer);
-  if (d.heightSample && m_state.GpsStatus == kGpsAn && m_hooks.HeightSample) {
+  if (d.heightSample && now.receptionOn && m_hooks.HeightSample) {
     m_hooks.HeightSample(d.heightSample->alt, d.heightSample->unit, d.heightSample->sats);
   }
   if (d.info && m_view.lbInfo) m_view.lbInfo->setText(*d.info);
@@ -140,7 +141,7 @@ void GpsPoll::data(const QString& sentence, const QString& rawBuffer, QString& k
   }
 
   if (d.hasTime()) {
-    const GpsTimeStep step = ApplyGpsTime(d.utcText, m_state.GpsZeit, m_clock);
+    const GpsTimeStep step = ApplyGpsTime(d.utcText, now.gpsZeit, m_clock);
     if (m_view.panel2) m_view.panel2->setText(step.shown);
     // A desktop user may not set the clock; say so once instead of failing silently.
     if (step.clockError != 0 && !m_clockRefusalTold) {
@@ -152,10 +153,10 @@ void GpsPoll::data(const QString& sentence, const QString& rawBuffer, QString& k
   if (!d.positionGood) {
     if (m_view.lbInfo) m_view.lbInfo->setText(kBadPositionText);
   } else {
-    if (m_view.tbMyLg) m_view.tbMyLg->setText(d.lgText(m_state.GradDezimal));
-    if (m_view.tbMyBr) m_view.tbMyBr->setText(d.brText(m_state.GradDezimal));
+    if (m_view.tbMyLg) m_view.tbMyLg->setText(d.lgText(now.gradDezimal));
+    if (m_view.tbMyBr) m_view.tbMyBr->setText(d.brText(now.gradDezimal));
     if (m_view.tbFremdLoc && onlyBlanks(m_view.tbFremdLoc->text())) {
-      const Placeholders p = RemotePlaceholders(m_state.GradDezimal);
+      const Placeholders p = RemotePlaceholders(now.gradDezimal);
       m_view.tbFremdLoc->setText(p.loc);
       if (m_view.tbFremdLg) m_view.tbFremdLg->setText(p.lg);
       if (m_view.tbFremdBr) m_view.tbFremdBr->setText(p.br);

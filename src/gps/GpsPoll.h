@@ -16,10 +16,9 @@ class Clock;
 class CommControl;
 class GpsExchange;
 struct ExchangeResult;
-struct Module1;
 
-// The controls of frmMain that a poll reads or writes. panel1 and panel2 are the first two
-// panels of sbStatusBar.
+// The controls of frmMain that a poll reads or writes. panel2 is the second panel of
+// sbStatusBar.
 struct GpsPollView {
   QLabel* lbInfo = nullptr;
   QLabel* lbKurs = nullptr;
@@ -29,19 +28,33 @@ struct GpsPollView {
   QLineEdit* tbFremdLoc = nullptr;
   QLineEdit* tbFremdLg = nullptr;
   QLineEdit* tbFremdBr = nullptr;
-  QLabel* panel1 = nullptr;
   QLabel* panel2 = nullptr;
   QTimer* Timer1 = nullptr;
   CommControl* MSComm1 = nullptr;
 };
 
-// What a poll hands to other parts of the program.
+// What a poll reads of the settings; asked afresh at each use, since the settings dialog may
+// change them between two polls.
+struct GpsPollSettings {
+  QString comPort;      // "gpsd" chooses gpsd as the source
+  QString gpsdAddress;  // "host:port"; empty: gpsd's usual address
+  std::int16_t busyPort = 0;
+  bool receptionOn = false;
+  bool gradDezimal = false;
+  bool gpsZeit = false;
+};
+
+// What a poll asks of, and hands to, other parts of the program.
 struct GpsPollHooks {
+  std::function<GpsPollSettings()> Settings;
   std::function<void()> Compute;
   // A height sample from a GGA sentence with a fix: height and unit fields as they stand,
   // satellite count in "#0".
   std::function<void(const QString& alt, const QString& unit, const QString& sats)> HeightSample;
   std::function<void()> UnlockEntry;
+  // Reception is given up after too many failed tries: the owner switches it off and shows
+  // so in the status bar, before the poll tells the user why.
+  std::function<void()> ReceptionOff;
 };
 
 // One GPS poll after another: fetches a sentence, counts failed tries and switches reception
@@ -51,7 +64,7 @@ struct GpsPollHooks {
 class GpsPoll {
  public:
   // The exchange runs on view.MSComm1 unless another is given with setExchange().
-  GpsPoll(Module1& state, const GpsPollView& view, GpsPollHooks hooks, Clock& clock);
+  GpsPoll(const GpsPollView& view, GpsPollHooks hooks, Clock& clock);
   ~GpsPoll();
 
   // Starts a poll on the given port with serial settings such as "4800,N,8,1" and returns;
@@ -68,6 +81,8 @@ class GpsPoll {
 
   // Failed polls since data last arrived; not reset when reception is given up.
   std::int16_t GpsTries() const { return m_gpsTries; }
+  // Data has come since reception was last given up: six tries are allowed, not three.
+  bool dataSeen() const { return m_dataSeen; }
 
   // Another position source in place of the serial one.
   void setExchange(std::unique_ptr<GpsExchange> exchange);
@@ -80,8 +95,8 @@ class GpsPoll {
   void failure(QString reason);
   void data(const QString& sentence, const QString& rawBuffer, QString& kursText);
   void end();
+  GpsPollSettings settings() const;
 
-  Module1& m_state;
   GpsPollView m_view;
   GpsPollHooks m_hooks;
   Clock& m_clock;
@@ -94,6 +109,7 @@ class GpsPoll {
   std::function<void()> m_then;
   std::int16_t m_gpsTries = 0;
   bool m_polling = false;
+  bool m_dataSeen = false;
   bool m_clockRefusalTold = false;  // once per run is enough
 };
 

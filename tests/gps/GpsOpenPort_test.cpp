@@ -1,7 +1,6 @@
 #include "gps/GpsOpenPort.h"
 
 #include "PtyFeeder.h"
-#include "app/Module1.h"
 #include "gps/SentenceDecoding.h"
 #include "platform/CommControl.h"
 #include "platform/MsgBoxRecorder.h"
@@ -49,7 +48,6 @@ class GpsOpenPortTest : public ::testing::Test {
     test::SetNoPortDevices();
     ASSERT_TRUE(m_pty.ok());
     test::SetPortDevice(1, m_pty.path());
-    m_state.BusyPort = 0;
   }
   void TearDown() override { test::ClearPortDevices(); }
 
@@ -57,14 +55,16 @@ class GpsOpenPortTest : public ::testing::Test {
     QElapsedTimer timer;
     timer.start();
     m_raw = QStringLiteral("left over");
-    const QString result = GpsOpenPort(m_comm, m_state, nullptr, port, settings, m_raw);
+    m_result = GpsOpenPort(m_comm, m_busyPort, nullptr, port, settings);
     m_elapsedMs = timer.elapsed();
-    return result;
+    m_raw = m_result.rawBuffer;
+    return m_result.text();
   }
 
   Pty m_pty;
   CommControl m_comm;
-  Module1 m_state;
+  std::int16_t m_busyPort = 0;
+  ExchangeResult m_result;
   QString m_raw;
   qint64 m_elapsedMs = 0;
 };
@@ -138,7 +138,7 @@ TEST_F(GpsOpenPortTest, BusyPortQuestion) {
   MsgBoxRecorder boxes;
   boxes.answer(vbCancel);
   boxes.answer(vbOK);
-  m_state.BusyPort = 1;
+  m_busyPort = 1;
   ASSERT_TRUE(m_comm.setCommPort(5).ok());
   EXPECT_EQ(exchange(), QStringLiteral("!Bitte andere Schnittstelle auswählen"));
   ASSERT_EQ(boxes.count(), 1);

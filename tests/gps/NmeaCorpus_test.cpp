@@ -3,7 +3,6 @@
 // followed by the report it made from it; its positions are the reference here.
 
 #include "PtyFeeder.h"
-#include "app/Module1.h"
 #include "gps/GpsOpenPort.h"
 #include "gps/SentenceDecoding.h"
 #include "gps/SentenceScanner.h"
@@ -168,19 +167,19 @@ TEST_F(NmeaCorpus, ExchangeOverAPseudoTerminal) {
     ASSERT_TRUE(pty.ok());
     test::SetPortDevice(1, pty.path());
     CommControl comm;
-    Module1 state;
     std::vector<test::Piece> pieces;
     for (qsizetype at = 0; at < data.size(); at += 512) pieces.push_back({3, data.mid(at, 512)});
     test::PtyFeeder feeder(pty, std::move(pieces));
     int found = 0;
     while (!feeder.done()) {
-      QString raw;
       QElapsedTimer timer;
       timer.start();
-      const QString result = GpsOpenPort(comm, state, nullptr, 1, settings, raw);
+      const ExchangeResult exchanged = GpsOpenPort(comm, 0, nullptr, 1, settings);
       ASSERT_LT(timer.elapsed(), limitMs);
       ASSERT_FALSE(comm.portOpen());
-      if (result.startsWith(u'!')) continue;
+      if (!exchanged.hasSentence()) continue;
+      const QString& result = exchanged.sentence;
+      const QString& raw = exchanged.rawBuffer;
       ASSERT_TRUE(knownSentence(result)) << result.toStdString();
       const QString next = raw.mid(raw.indexOf(result) + result.size(), 1);
       if (!raw.isEmpty()) {

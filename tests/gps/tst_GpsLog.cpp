@@ -1,7 +1,6 @@
 // The GPS log: which calls write a line, what a line holds, and a file that cannot be written.
 
 #include "FakeClock.h"
-#include "app/Module1.h"
 #include "gps/GpsLog.h"
 #include "platform/PrintZones.h"
 
@@ -48,7 +47,7 @@ class TestGpsLog : public QObject {
   QLabel m_panel2, m_lbInfo;
   QLineEdit m_tbMyLoc;
   QTimer m_timer;
-  Module1 m_state;
+  bool m_receptionOn = true;
   test::FakeClock m_clock;
   std::unique_ptr<GpsLog> m_log;
 };
@@ -62,14 +61,13 @@ void TestGpsLog::init() {
   m_dir = std::make_unique<QTemporaryDir>();
   QVERIFY(m_dir->isValid());
   QVERIFY(QDir::setCurrent(m_dir->path()));
-  m_state = Module1{};
-  m_state.GpsStatus = kGpsAn;
+  m_receptionOn = true;
   m_panel2.clear();
   m_lbInfo.clear();
   m_tbMyLoc.clear();
   m_timer.setInterval(30000);
   m_timer.start();
-  m_log = std::make_unique<GpsLog>(m_state, GpsLogView{&m_panel2, &m_tbMyLoc, &m_lbInfo, &m_timer},
+  m_log = std::make_unique<GpsLog>([this] { return m_receptionOn; }, GpsLogView{&m_panel2, &m_tbMyLoc, &m_lbInfo, &m_timer},
                                    m_clock);
 }
 
@@ -128,7 +126,7 @@ void TestGpsLog::timerAroundTheWrite() {
                            "B\r\n"));  // UTF-8
 
   // Reception off: the timer is left alone.
-  m_state.GpsStatus = kGpsAus;
+  m_receptionOn = false;
   m_timer.stop();
   m_panel2.setText("12:35:49");
   m_tbMyLoc.setText("JO31AC");

@@ -2,7 +2,6 @@
 
 #include "FakeClock.h"
 #include "PtyFeeder.h"
-#include "app/Module1.h"
 #include "gps/GpsPoll.h"
 #include "platform/CommControl.h"
 #include "platform/MsgBoxRecorder.h"
@@ -62,11 +61,12 @@ class TestGpsPoll : public QObject {
   QTemporaryDir m_config;
   std::unique_ptr<test::Pty> m_pty;
   std::unique_ptr<test::PtyFeeder> m_feeder;
-  QLabel m_lbInfo, m_lbKurs, m_panel1, m_panel2;
+  QLabel m_lbInfo, m_lbKurs, m_panel2;
   QLineEdit m_tbMyLoc, m_tbMyLg, m_tbMyBr, m_tbFremdLoc, m_tbFremdLg, m_tbFremdBr;
   QTimer m_timer;
   CommControl m_comm;
-  Module1 m_state;
+  GpsPollSettings m_settings;
+  int m_receptionOffs = 0;
   test::FakeClock m_clock;
   int m_computes = 0;
   int m_unlocks = 0;
@@ -85,17 +85,16 @@ void TestGpsPoll::init() {
   m_pty = std::make_unique<test::Pty>();
   QVERIFY(m_pty->ok());
   test::SetPortDevice(1, m_pty->path());
-  m_state = Module1{};
-  m_state.GpsStatus = kGpsAn;
-  m_state.ComPort = QStringLiteral("Com1");
-  m_state.ComNumber = 1;
+  m_settings = GpsPollSettings{};
+  m_settings.comPort = QStringLiteral("Com1");
+  m_settings.receptionOn = true;
+  m_receptionOffs = 0;
   for (QLineEdit* e :
        {&m_tbMyLoc, &m_tbMyLg, &m_tbMyBr, &m_tbFremdLoc, &m_tbFremdLg, &m_tbFremdBr}) {
     e->clear();
   }
   m_lbInfo.clear();
   m_lbKurs.setText(QStringLiteral("old course"));
-  m_panel1.setText(QStringLiteral("Status: GPS an (Com1)"));
   m_panel2.clear();
   m_timer.setInterval(30000);
   m_timer.start();
@@ -104,8 +103,13 @@ void TestGpsPoll::init() {
   m_heights.clear();
   m_clock.set(QDateTime(QDate(2026, 11, 18), QTime(14, 22, 10)));
   GpsPollView view{&m_lbInfo,    &m_lbKurs,    &m_tbMyLoc, &m_tbMyLg, &m_tbMyBr, &m_tbFremdLoc,
-                   &m_tbFremdLg, &m_tbFremdBr, &m_panel1,  &m_panel2, &m_timer,  &m_comm};
+                   &m_tbFremdLg, &m_tbFremdBr, &m_panel2, &m_timer,    &m_comm};
   GpsPollHooks hooks;
+  hooks.Settings = [this] { return m_settings; };
+  hooks.ReceptionOff = [this] {
+    ++m_receptionOffs;
+    m_settings.receptionOn = false;
+  };
   hooks.Compute = [this] {
     ++m_computes;
     m_pollingSeenInCompute = m_poll->isPolling();
@@ -114,7 +118,7 @@ void TestGpsPoll::init() {
     m_heights << alt + u'|' + unit + u'|' + sats;
   };
   hooks.UnlockEntry = [this] { ++m_unlocks; };
-  m_poll = std::make_unique<GpsPoll>(m_state, view, hooks, m_clock);
+  m_poll = std::make_unique<GpsPoll>(view, hooks, m_clock);
 }
 
 void TestGpsPoll::cleanup() {
@@ -161,7 +165,7 @@ void TestGpsPoll::goodData_data() {
 void TestGpsPoll::goodData() {
   QFETCH(int, i);
   const GoodData& c = kGoodData[i];
-  m_state.GradDezimal = c.gradDezimal;
+  m_settings.gradDezimal = c.gradDezimal;
   m_tbFremdLoc.setText(c.fremdLoc);
   feed(c.stream);
   MsgBoxRecorder boxes;
@@ -180,7 +184,7 @@ void TestGpsPoll::goodData() {
   QCOMPARE(m_unlocks, 1);
   QCOMPARE(boxes.count(), 0);
   QCOMPARE(m_poll->GpsTries(), std::int16_t(0));
-  QVERIFY(m_state.GpsDataSeen);
+  QVERIFY(m_poll->dataSeen());
   QVERIFY(!m_comm.portOpen());
   QVERIFY(!m_poll->isPolling());
   if (c.computes > 0) QVERIFY(m_pollingSeenInCompute);
@@ -204,15 +208,14 @@ void TestGpsPoll::threeFailedTriesFromStart() {
   }
   poll();
   QCOMPARE(m_lbInfo.text(), QString());
-  QCOMPARE(m_state.GpsStatus, kGpsAus);
+  QCOMPARE(m_receptionOffs, 1);
   QVERIFY(!m_timer.isActive());
-  QCOMPARE(m_panel1.text(), QStringLiteral("Status: GPS aus (Com1)"));
   QCOMPARE(boxes.count(), 1);
   QCOMPARE(boxes.last().prompt, QStringLiteral("GPS-Datenübertragungsfehler:\nZur Zeit kein "
                                                "GPS-Empfang\nGPS-Empfang wurde deaktiviert !"));
   QCOMPARE(boxes.last().style, 48);
   QCOMPARE(boxes.last().title, QStringLiteral(" Fehler"));
-  QVERIFY(!m_state.GpsDataSeen);
+  QVERIFY(!m_poll->dataSeen());
   QVERIFY(!m_comm.portOpen());
   QCOMPARE(m_unlocks, 3);
   // A failed poll leaves the fields and the course line alone.
@@ -221,12 +224,12 @@ void TestGpsPoll::threeFailedTriesFromStart() {
 
   // Switched on again with the count still at 3: the first failure is the 4th of 3 and
   // ends reception at once.
-  m_state.GpsStatus = kGpsAn;
+  m_settings.receptionOn = true;
   m_timer.start();
   poll();
   QCOMPARE(m_poll->GpsTries(), std::int16_t(4));
   QCOMPARE(boxes.count(), 2);
-  QCOMPARE(m_state.GpsStatus, kGpsAus);
+  QCOMPARE(m_receptionOffs, 2);
   QVERIFY(!m_timer.isActive());
 }
 
@@ -234,7 +237,7 @@ void TestGpsPoll::sixFailedTriesAfterData() {
   MsgBoxRecorder boxes;
   feed(kGga + kGsa + kGsv + kGsv);
   poll();
-  QVERIFY(m_state.GpsDataSeen);
+  QVERIFY(m_poll->dataSeen());
   m_feeder.reset();
   for (int tryNo = 1; tryNo <= 5; ++tryNo) {
     poll();
@@ -244,8 +247,8 @@ void TestGpsPoll::sixFailedTriesAfterData() {
   QCOMPARE(boxes.count(), 0);
   poll();
   QCOMPARE(boxes.count(), 1);
-  QCOMPARE(m_state.GpsStatus, kGpsAus);
-  QVERIFY(!m_state.GpsDataSeen);
+  QCOMPARE(m_receptionOffs, 1);
+  QVERIFY(!m_poll->dataSeen());
   // The last fix stays in the fields.
   QCOMPARE(m_tbMyBr.text(), QStringLiteral(" 48° 07' 2,28\""));
 }
@@ -264,7 +267,7 @@ void TestGpsPoll::clockSetOnlyThroughTheClockGiven() {
   for (const auto& c : cases) {
     m_clock.set(QDateTime(QDate(2026, 11, 18), QTime(14, 22, 10)));
     m_clock.refuse(c.refuse);
-    m_state.GpsZeit = true;
+    m_settings.gpsZeit = true;
     feed(kGga + kGsa + kGsv + kGsv);
     MsgBoxRecorder boxes;
     poll();
