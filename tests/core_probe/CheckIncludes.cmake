@@ -1,0 +1,20 @@
+# Fails if a file in one of the lower folders (DIRS, folders separated by "|") includes anything from
+# src/app: the lower units get their values passed in or report through hooks, never reach
+# up into the window's state.
+set(offenders "")
+string(REPLACE "|" ";" DIRS "${DIRS}")
+foreach(dir IN LISTS DIRS)
+  file(GLOB_RECURSE files "${dir}/*.h" "${dir}/*.cpp")
+  foreach(file IN LISTS files)
+    file(STRINGS "${file}" lines REGEX "^[ \t]*#[ \t]*include[ \t]*[\"<]app/")
+    if(lines)
+      list(APPEND offenders "${file}: ${lines}")
+    endif()
+  endforeach()
+endforeach()
+if(offenders)
+  list(JOIN offenders "\n  " text)
+  message(FATAL_ERROR "upward includes into src/app:\n  ${text}")
+endif()
+list(LENGTH DIRS count)
+message(STATUS "no upward includes in ${count} folders")
