@@ -4,7 +4,6 @@
 
 #include <optional>
 
-class QLabel;
 
 namespace marvento {
 
@@ -63,10 +62,5 @@ struct DistanceBearing {
 // Reads the radius text, solves and formats both captions.
 DistanceBearing SolveDistanceBearing(double MyBr, double FremdBr, double MyLg, double FremdLg,
                                      const QString& radiusText);
-
-// Solves and writes the captions that were reached into the two labels. Returns the
-// run-time error that ended the computation, or 0.
-int ShowDistanceBearing(double MyBr, double FremdBr, double MyLg, double FremdLg,
-                        const QString& radiusText, QLabel* lblEntfernung, QLabel* lblRichtung);
 
 }  // namespace marvento

@@ -20,9 +20,4 @@ struct LocatorDecode {
 // Pure check and decoding; capitals only (the caller upper-cases).
 LocatorDecode DecodeLocator(QStringView text);
 
-// The check with its message: on failure a beep and a box with the text as prompt and
-// " Falscher Locator !" as title (style 48); Lg and Br are written as DecodeLocator leaves
-// them. Returns false after a failure.
-bool LocatorToCoords(const QString& text, double& Lg, double& Br);
-
 }  // namespace marvento

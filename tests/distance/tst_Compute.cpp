@@ -1,166 +1,102 @@
 #include "distance/ComputeCommand.h"
-#include "platform/Format.h"
 #include "platform/MsgBoxRecorder.h"
 
-#include <QApplication>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QVBoxLayout>
 #include <QtTest>
 
 using namespace marvento;
 
-namespace {
-
-// The controls of the main window that the command works on, and the command itself.
-struct Window {
-  QWidget widget;
-  QLineEdit* tbMyLoc = add<QLineEdit>("tbMyLoc");
-  QLineEdit* tbFremdLoc = add<QLineEdit>("tbFremdLoc");
-  QLineEdit* tbMyLg = add<QLineEdit>("tbMyLg");
-  QLineEdit* tbMyBr = add<QLineEdit>("tbMyBr");
-  QLineEdit* tbFremdLg = add<QLineEdit>("tbFremdLg");
-  QLineEdit* tbFremdBr = add<QLineEdit>("tbFremdBr");
-  QLabel* lblEntfernung = add<QLabel>("lblEntfernung");
-  QLabel* lblRichtung = add<QLabel>("lblRichtung");
-  QComboBox* Combo1 = add<QComboBox>("Combo1");
-  ComputePreferences state;
-  int logWrites = 0;
-  ComputeCommand command{ComputeFields{tbMyLoc, tbFremdLoc, tbMyLg, tbMyBr, tbFremdLg, tbFremdBr,
-                                       lblEntfernung, lblRichtung, Combo1},
-                         [this] { return state; }, [this] { ++logWrites; }};
-
-  explicit Window(bool gradDezimal = true) {
-    Combo1->setEditable(true);
-    Combo1->setEditText(Format(6371.00079));
-    state.GradDezimal = gradDezimal;
-  }
-  template <typename T>
-  T* add(const char* name) {
-    if (!widget.layout()) new QVBoxLayout(&widget);
-    auto* w = new T(&widget);
-    w->setObjectName(QString::fromLatin1(name));
-    widget.layout()->addWidget(w);
-    return w;
-  }
-  // Own locator, Lg, Br, remote locator, Lg, Br.
-  QList<QLineEdit*> fields() const {
-    return {tbMyLoc, tbMyLg, tbMyBr, tbFremdLoc, tbFremdLg, tbFremdBr};
-  }
-  void type(const QStringList& texts) {
-    for (int i = 0; i < 6; ++i) fields()[i]->setText(texts.value(i));
-  }
-  QStringList texts() const {
-    QStringList out;
-    for (const QLineEdit* f : fields()) out << f->text();
-    return out;
-  }
-  QStringList remembered() const {
-    const ComputeMemory& m = command.memory();
-    return {m.LastMyLoc, m.LastMyLg, m.LastMyBr, m.LastFremdLoc, m.LastFremdLg, m.LastFremdBr};
-  }
-};
-
-// Six field texts joined by "|": own locator, Lg, Br, remote locator, Lg, Br.
-QStringList fields(const char* joined) {
-  return QString::fromUtf8(joined).split(u'|');
-}
-
-}  // namespace
-
 // The decisions themselves are tested without widgets (Compute_test); here only what the
-// command does with them in the window.
+// command does with them in a shown window: fields and their cursor, labels, memory, log line,
+// beep, box and focus.
 class tst_Compute : public QObject {
   Q_OBJECT
 
  private slots:
   void initTestCase() { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }
-  void appliesTheDecision_data();
-  void appliesTheDecision();
-  void logLineAfterTheFields();
+  void appliesEachDecision();
 };
 
-void tst_Compute::appliesTheDecision_data() {
-  QTest::addColumn<QString>("entries");
-  QTest::addColumn<QString>("after");
-  QTest::addColumn<QString>("title");  // empty: no box
-  QTest::addColumn<QString>("focus");
-  QTest::addColumn<QString>("entfernung");
-  QTest::newRow("solved") << "jo62qm|||jo31nk||"
-                          << "JO62QM|13,375|52,5208333333333|JO31NK|7,125|51,4375"
-                          << ""
-                          << "tbFremdBr"
-                          << " 444,53 km";
-  QTest::newRow("own station empty") << "|||jo31nk||"
-                                     << "|||jo31nk||"
-                                     << " Unvollständige Eingabe !"
-                                     << "tbMyLoc"
-                                     << "alt";
-  // The own side is written before the remote side is refused; the cursor stays.
-  QTest::newRow("remote locator too long") << "jo62qm|||jo31nk12345||"
-                                           << "JO62QM|13,375|52,5208333333333|JO31NK12345||"
-                                           << " Falsche Eingabe !"
-                                           << "tbFremdBr"
-                                           << "alt";
-  QTest::newRow("positions coincide")
-      << "jo62qm|||jo62qm||"
-      << "JO62QM|13,375|52,5208333333333|JO62QM|13,375|52,5208333333333"
-      << " Bitte Bandmaß benutzen ! "
-      << "tbFremdBr"
-      << " 0 ";
-}
-
-void tst_Compute::appliesTheDecision() {
-  QFETCH(QString, entries);
-  QFETCH(QString, after);
-  QFETCH(QString, title);
-  QFETCH(QString, focus);
-  QFETCH(QString, entfernung);
-  Window w;
-  w.widget.show();
-  w.widget.activateWindow();
-  QVERIFY(QTest::qWaitForWindowActive(&w.widget));
-  w.tbFremdBr->setFocus();
-  w.lblEntfernung->setText("alt");
-  w.type(fields(entries.toUtf8().constData()));
-  for (QLineEdit* f : w.fields()) f->end(false);
-
+void tst_Compute::appliesEachDecision() {
+  QWidget window;
+  QList<QLineEdit*> f;  // own locator, Lg, Br, remote locator, Lg, Br
+  for (int i = 0; i < 6; ++i) f << new QLineEdit(&window);
+  auto* entfernung = new QLabel(QStringLiteral("alt"), &window);
+  auto* richtung = new QLabel(QStringLiteral("alt"), &window);
+  auto* radius = new QComboBox(&window);
+  radius->setEditable(true);
+  radius->setEditText(QStringLiteral("6371,00079"));
+  QStringList logged;  // the own locator field as each log line reads it
+  ComputeCommand command{
+      ComputeFields{f[0], f[3], f[1], f[2], f[4], f[5], entfernung, richtung, radius},
+      [] {
+        return ComputePreferences{true, false, true};
+      },
+      [&] { logged << f[0]->text(); }};
+  auto texts = [&] {
+    QStringList t;
+    for (const QLineEdit* e : f) t << e->text();
+    return t.join(u'|');
+  };
+  auto remembered = [&] {
+    const ComputeMemory& m = command.memory();
+    return QStringList{m.LastMyLoc,    m.LastMyLg,    m.LastMyBr,
+                       m.LastFremdLoc, m.LastFremdLg, m.LastFremdBr}
+        .join(u'|');
+  };
+  window.show();
+  window.activateWindow();
+  QVERIFY(QTest::qWaitForWindowActive(&window));
   MsgBoxRecorder rec;
-  w.command.Compute();
-  QCOMPARE(w.texts(), fields(after.toUtf8().constData()));
-  const QStringList typed = fields(entries.toUtf8().constData());
-  for (int i = 0; i < 6; ++i) {
-    // A field the command wrote shows its text from the start.
-    const bool written = w.fields()[i]->text() != typed[i] || typed[i].isEmpty();
-    if (written) QCOMPARE(w.fields()[i]->cursorPosition(), 0);
-  }
-  QCOMPARE(w.lblEntfernung->text(), entfernung);
-  QCOMPARE(rec.count(), title.isEmpty() ? 0 : 1);
-  if (!title.isEmpty()) {
-    QCOMPARE(rec.last().title, title);
-    QCOMPARE(rec.entries().front().beepsBefore, 1);
-  }
-  QCOMPARE(QApplication::focusWidget()->objectName(), focus);
-  QCOMPARE(w.remembered().join(u'|'),
-           title.isEmpty() || entfernung == " 0 " ? after : QString("|||||"));
-}
 
-// The log reads the own locator field: it must hold the run's locator when the line is asked for.
-void tst_Compute::logLineAfterTheFields() {
-  Window w;
-  MsgBoxRecorder rec;
-  w.state.logOn = true;
-  QStringList logged;
-  ComputeCommand command{ComputeFields{w.tbMyLoc, w.tbFremdLoc, w.tbMyLg, w.tbMyBr, w.tbFremdLg,
-                                       w.tbFremdBr, w.lblEntfernung, w.lblRichtung, w.Combo1},
-                         [&] { return w.state; }, [&] { logged << w.tbMyLoc->text(); }};
-  w.type(fields("|13,4|52,52|jo31nk||"));
+  // Refused: nothing written or remembered, a beep before the box, the cursor to the field.
+  f[3]->setText(QStringLiteral("jo31nk"));
+  f[5]->setFocus();
   command.Compute();
-  w.tbMyLoc->setText("jo62ql");
+  QCOMPARE(texts(), QStringLiteral("|||jo31nk||"));
+  QCOMPARE(f[3]->cursorPosition(), 6);
+  QCOMPARE(entfernung->text(), QStringLiteral("alt"));
+  QCOMPARE(rec.count(), 1);
+  QCOMPARE(rec.last().title, QStringLiteral(" Unvollständige Eingabe !"));
+  QCOMPARE(rec.entries()[0].beepsBefore, 1);
+  QVERIFY(f[0]->hasFocus());
+  QCOMPARE(remembered(), QStringLiteral("|||||"));
+
+  // Solved: every field shown from its start, both labels, the memory, and the log line only
+  // once the own locator field holds the run's locator.
+  f[0]->setText(QStringLiteral("jo62qm"));
   command.Compute();
-  QCOMPARE(logged, QStringList({"JO62QM", "JO62QL"}));
-  QCOMPARE(rec.count(), 0);
+  const QString solved = QStringLiteral("JO62QM|13,375|52,5208333333333|JO31NK|7,125|51,4375");
+  QCOMPARE(texts(), solved);
+  for (const QLineEdit* e : f) QCOMPARE(e->cursorPosition(), 0);
+  QCOMPARE(entfernung->text(), QStringLiteral(" 444,53 km"));
+  QCOMPARE(richtung->text(), QStringLiteral("256,761 °"));
+  QCOMPARE(remembered(), solved);
+  QCOMPARE(logged, QStringList{QStringLiteral("JO62QM")});
+  QCOMPARE(rec.count(), 1);
+  QCOMPARE(rec.beeps(), 1);
+
+  // A remark on the result: the remote side and the distance label are written and
+  // remembered before the box; fields not written keep their cursor, the focus stays.
+  f[3]->setText(QStringLiteral("jo62qm"));
+  for (QLineEdit* e : f) e->end(false);
+  f[5]->setFocus();
+  command.Compute();
+  const QString coincide =
+      QStringLiteral("JO62QM|13,375|52,5208333333333|JO62QM|13,375|52,5208333333333");
+  QCOMPARE(texts(), coincide);
+  for (int i = 0; i < 6; ++i)
+    QCOMPARE(f[i]->cursorPosition(), i < 3 ? int(f[i]->text().size()) : 0);
+  QCOMPARE(entfernung->text(), QStringLiteral(" 0 "));
+  QCOMPARE(richtung->text(), QStringLiteral("256,761 °"));
+  QCOMPARE(remembered(), coincide);
+  QCOMPARE(rec.count(), 2);
+  QCOMPARE(rec.last().title, QStringLiteral(" Bitte Bandmaß benutzen ! "));
+  QCOMPARE(rec.entries()[1].beepsBefore, 1);
+  QVERIFY(f[5]->hasFocus());
+  QCOMPARE(logged.size(), 1);
 }
 
 QTEST_MAIN(tst_Compute)

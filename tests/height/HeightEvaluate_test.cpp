@@ -4,77 +4,64 @@
 
 #include "support/GermanLocale.h"
 
-#include <vector>
+#include <QStringList>
 
 namespace marvento {
 namespace {
 
-// Samples go in the way the poll hands them over.
-void feed(HeightTable& table, const std::vector<std::vector<const char*>>& samples) {
-  for (const auto& s : samples) {
-    QString unit = s[1];
-    HeightEvaluate(table, s[0], unit, s[2], false);
+// Samples as "height unit satellites", one after another, the way the poll hands them over.
+HeightTable fed(const QString& samples) {
+  HeightTable table;
+  for (const QString& sample : samples.split(u',')) {
+    const QStringList f = sample.trimmed().split(u' ');
+    QString unit = f.value(1);
+    HeightEvaluate(table, f.value(0), unit, f.value(2), false);
   }
+  return table;
 }
 
+// The short-term figure is the mean weighted by satellites, the long-term one the height of
+// greatest weight, the lower one on a tie.
 TEST(HeightEvaluate, MessageText) {
   const struct {
     const char* name;
-    std::vector<std::vector<const char*>> samples;
-    const char* expected;
+    const char* samples;
+    const char* mean;
+    const char* mode;
   } cases[] = {
-      {"before any sample",
-       {},
-       "Die vorläufig ermittelte Höhe beträgt: \n\nkurzfristiges Mittel: 0,0 \n"
-       "langfristiges Mittel: 0,0 "},
-      {"the example of the manual",
-       {{"545.4", "M", "8"},
-        {"545.4", "M", "8"},
-        {"545.4", "M", "8"},
-        {"545.4", "M", "8"},
-        {"545.5", "M", "8"}},
-       "Die vorläufig ermittelte Höhe beträgt: \n\nkurzfristiges Mittel: 545,42 m\n"
-       "langfristiges Mittel: 545,4 m"},
-      {"mean across zero",
-       {{"-1.0", "M", "4"}, {"1.0", "M", "4"}, {"2.0", "M", "4"}},
-       "Die vorläufig ermittelte Höhe beträgt: \n\nkurzfristiges Mittel: 0,67 m\n"
-       "langfristiges Mittel: -1,0 m"},
-      {"more satellites weigh more; unit in lower case",
-       {{"100.0", "F", "4"}, {"101.0", "F", "16"}},
-       "Die vorläufig ermittelte Höhe beträgt: \n\nkurzfristiges Mittel: 100,67 f\n"
-       "langfristiges Mittel: 101,0 f"},
+      {"before any sample", "", "0,0 ", "0,0 "},
+      {"the example of the manual", "545.4 M 8, 545.4 M 8, 545.4 M 8, 545.4 M 8, 545.5 M 8",
+       "545,42 m", "545,4 m"},
+      {"mean across zero", "-1.0 M 4, 1.0 M 4, 2.0 M 4", "0,67 m", "-1,0 m"},
+      {"more satellites weigh more; unit in lower case", "100.0 F 4, 101.0 F 16", "100,67 f",
+       "101,0 f"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    HeightTable table;
-    feed(table, c.samples);
-    EXPECT_EQ(HeightMessage(table.figures()), QString::fromUtf8(c.expected));
+    EXPECT_EQ(HeightMessage(fed(QString::fromLatin1(c.samples)).figures()),
+              QStringLiteral("Die vorläufig ermittelte Höhe beträgt: \n\nkurzfristiges Mittel: ") +
+                  QString::fromUtf8(c.mean) + QStringLiteral("\nlangfristiges Mittel: ") +
+                  QString::fromUtf8(c.mode));
   }
 }
 
+// Sampling is silent; the evaluation shows the table's figures, hands back its unit, and
+// neither height nor satellites go into the table.
 TEST(HeightEvaluate, EvaluationShowsTheFiguresAndChangesNothing) {
   MsgBoxRecorder rec;
-  HeightTable table;
-  feed(table, {{"545.4", "M", "8"}, {"545.6", "M", "8"}, {"600.0", "M", "8"}});
-  EXPECT_EQ(rec.count(), 0);  // sampling is silent
-
-  // Alt and Sats are not read; Unit receives the table's unit.
+  HeightTable table = fed(QStringLiteral("545.4 M 8, 545.6 M 8"));
+  EXPECT_EQ(rec.count(), 0);
+  const HeightTable before = table;
   QString unit = QStringLiteral("F");
   HeightEvaluate(table, QStringLiteral("545.4"), unit, QStringLiteral("12"), true);
-  HeightEvaluate(table, QStringLiteral("545.4"), unit, QStringLiteral("12"), true);
   EXPECT_EQ(unit, QStringLiteral("M"));
-  ASSERT_EQ(rec.count(), 2);
+  ASSERT_EQ(rec.count(), 1);
+  EXPECT_EQ(rec.last().prompt, HeightMessage(before.figures()));
   EXPECT_EQ(rec.last().title, QStringLiteral("GPS - Höhe"));
   EXPECT_EQ(rec.last().style, vbInformation);
   EXPECT_EQ(rec.beeps(), 0);
-  EXPECT_EQ(rec.entries()[0].call.prompt, rec.last().prompt);
-  EXPECT_EQ(rec.last().prompt,
-            QStringLiteral("Die vorläufig ermittelte Höhe beträgt: \n\nkurzfristiges Mittel: "
-                           "545,5 m\nlangfristiges Mittel: 545,4 m"));
-  EXPECT_FLOAT_EQ(table.weight(5454), 1.4142135f);
-  EXPECT_EQ(table.LastHeight10(), 5456);
-  EXPECT_EQ(table.PendingHeight10(), 6000);
-  EXPECT_EQ(table.HeightCount(), 2);
+  EXPECT_EQ(table.weight(5454), before.weight(5454));
+  EXPECT_EQ(table.HeightCount(), before.HeightCount());
 }
 
 }  // namespace
