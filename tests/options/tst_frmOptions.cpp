@@ -8,14 +8,11 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QSettings>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <QtTest>
 
 using marvento::CommControl;
@@ -48,271 +45,213 @@ class tst_frmOptions : public QObject {
     store.clear();
   }
 
-  void ok();
-  void buttons();
-  void scanReportsThePortThisProgramHolds();
-  void typedDevicePath_data();
-  void typedDevicePath();
-  void sourceAndStationPrograms_data();
-  void sourceAndStationPrograms();
-  void storedStationProgramsAreShown();
+  // Typed into the dialog of a first run (Com1, 4800, 30 s), then OK.
+  void ok() {
+    const struct {
+      const char *port, *rate, *interval, *home, *comPort;
+      int comNumber;
+      const char* comSettings;
+      int seconds;
+    } cases[] = {
+        {"Com1", "", "5", "", "Com1", 1, ",N,8,1", 10},
+        {"COM12", "9600", "9e99", "jo62qm", "COM12", 12, "9600,N,8,1", 65},
+        {"Com40000", "4800", "30", "", "Com1", 1, "4800,N,8,1", 30},  // beyond 16 bits
+    };
+    for (const auto& c : cases) {
+      Preferences first;
+      first.MyHomeLoc = QStringLiteral("JO31AB");
+      CommControl probe;
+      frmOptions dialog(first, &probe);
+      dialog.show();
+      child<QComboBox>(dialog, "Combo1")->setEditText(c.port);
+      child<QComboBox>(dialog, "Combo2")->setEditText(c.rate);
+      child<QComboBox>(dialog, "Combo3")->setEditText(c.interval);
+      child<QLineEdit>(dialog, "Text1")->setText(c.home);
+      QTest::mouseClick(child<QPushButton>(dialog, "Command1"), Qt::LeftButton);
 
- private:
-  QTemporaryDir m_config;
-};
-
-// Typed into the dialog of a first run (Com1, 4800, 30 s), then OK.
-void tst_frmOptions::ok() {
-  const struct {
-    const char *port, *rate, *interval, *home, *comPort;
-    int comNumber;
-    const char* comSettings;
-    int seconds;
-  } cases[] = {
-      {"Com1", "4800", "5", "", "Com1", 1, "4800,N,8,1", 10},
-      {"Com1", "4800", "9e99", "", "Com1", 1, "4800,N,8,1", 65},
-      {"Com1", "", "30", "", "Com1", 1, ",N,8,1", 30},
-      {"COM12", "9600", "30", "", "COM12", 12, "9600,N,8,1", 30},
-      {"Com40000", "4800", "30", "", "Com1", 1, "4800,N,8,1", 30},  // beyond 16 bits
-      {"Com1", "4800", "30", "jo62qm", "Com1", 1, "4800,N,8,1", 30},
-  };
-  for (const auto& c : cases) {
-    Preferences first;
-    first.MyHomeLoc = QStringLiteral("JO31AB");
-    CommControl probe;
-    frmOptions dialog(first, &probe);
-    dialog.show();
-    child<QComboBox>(dialog, "Combo1")->setEditText(c.port);
-    child<QComboBox>(dialog, "Combo2")->setEditText(c.rate);
-    child<QComboBox>(dialog, "Combo3")->setEditText(c.interval);
-    child<QLineEdit>(dialog, "Text1")->setText(c.home);
-    QTest::mouseClick(child<QPushButton>(dialog, "Command1"), Qt::LeftButton);
-
-    QCOMPARE(dialog.result(), int(QDialog::Accepted));
-    const Preferences& chosen = dialog.chosen();
-    QCOMPARE(chosen.ComPort, QString(c.comPort));
-    QCOMPARE(chosen.ComNumber, c.comNumber);
-    QCOMPARE(chosen.ComSettings, QString(c.comSettings));
-    QCOMPARE(chosen.GpsIntervalSeconds, c.seconds);
-    QCOMPARE(chosen.MyHomeLoc, QString(c.home).toUpper());
-    // The dialog stores nothing itself; the window does, after OK.
-    QCOMPARE(marvento::GetSetting(SettingKey::MyHomeLoc, "missing"), QStringLiteral("missing"));
+      QCOMPARE(dialog.result(), int(QDialog::Accepted));
+      const Preferences& chosen = dialog.chosen();
+      QCOMPARE(chosen.ComPort, QString(c.comPort));
+      QCOMPARE(chosen.ComNumber, c.comNumber);
+      QCOMPARE(chosen.ComSettings, QString(c.comSettings));
+      QCOMPARE(chosen.GpsIntervalSeconds, c.seconds);
+      QCOMPARE(chosen.MyHomeLoc, QString(c.home).toUpper());
+      // The dialog stores nothing itself; the window does, after OK.
+      QCOMPARE(marvento::GetSetting(SettingKey::MyHomeLoc, "missing"), QStringLiteral("missing"));
+    }
   }
-}
 
-// Each button of the three groups and the time box, shown from the preferences and returned.
-void tst_frmOptions::buttons() {
-  const struct {
-    const char* button;
-    bool receptionOn, gradDezimal, loc10st, gpsZeit;
-  } cases[] = {
-      {"Option1_0", true, false, false, false}, {"Option1_1", false, false, false, false},
-      {"Option4", false, true, false, false},   {"Option2_1", false, false, true, false},
-      {"Check1", false, false, false, true},
-  };
-  for (const auto& c : cases) {
+  // Each button of the three groups and the time box: shown from the preferences, and on its
+  // own it sets its preference alone.
+  void buttons() {
+    const char* const on[] = {"Option1_0", "Option4", "Option2_1", "Check1"};
     for (const bool startOn : {false, true}) {
       Preferences current;
       current.receptionOn = current.GradDezimal = current.Loc10st = current.GpsZeit = startOn;
       frmOptions dialog(current, nullptr);
+      for (const char* name : on)
+        QCOMPARE(child<QAbstractButton>(dialog, name)->isChecked(), startOn);
+    }
+    for (int button = 0; button <= 4; ++button) {  // 4: all off
+      frmOptions dialog(Preferences{}, nullptr);
       dialog.show();
-      QCOMPARE(child<QRadioButton>(dialog, "Option1_0")->isChecked(), startOn);
-      QCOMPARE(child<QRadioButton>(dialog, "Option4")->isChecked(), startOn);
-      QCOMPARE(child<QRadioButton>(dialog, "Option2_1")->isChecked(), startOn);
-      QCOMPARE(child<QCheckBox>(dialog, "Check1")->isChecked(), startOn);
-      // All off, then the one button.
-      for (const char* name : {"Option1_1", "Option3", "Option2_0"}) {
-        child<QRadioButton>(dialog, name)->setChecked(true);
-      }
-      child<QCheckBox>(dialog, "Check1")->setChecked(false);
-      child<QAbstractButton>(dialog, c.button)->click();
+      if (button < 4) child<QAbstractButton>(dialog, on[button])->click();
       child<QPushButton>(dialog, "Command1")->click();
       const Preferences& chosen = dialog.chosen();
-      QCOMPARE(chosen.receptionOn, c.receptionOn);
-      QCOMPARE(chosen.GradDezimal, c.gradDezimal);
-      QCOMPARE(chosen.Loc10st, c.loc10st);
-      QCOMPARE(chosen.GpsZeit, c.gpsZeit);
+      QList<bool> expected(4, false);
+      if (button < 4) expected[button] = true;
+      QCOMPARE(
+          QList<bool>({chosen.receptionOn, chosen.GradDezimal, chosen.Loc10st, chosen.GpsZeit}),
+          expected);
     }
   }
-}
 
-// The scan may lower the port number to the highest port there is, and it reports a port
-// that this program holds open, so that the poll skips the busy-port question there.
-void tst_frmOptions::scanReportsThePortThisProgramHolds() {
-  marvento::test::Pty held, free;
-  QVERIFY(held.ok() && free.ok());
-  marvento::test::SetPortDevice(3, held.path());
-  marvento::test::SetPortDevice(5, free.path());
-  // The serial control of a poll holds the port while the dialog's probe scans.
-  CommControl comm;
-  QVERIFY(comm.setCommPort(3).ok());
-  QVERIFY(comm.setPortOpen(true).ok());
-  Preferences current;
-  current.ComPort = QStringLiteral("Com9");
-  current.ComNumber = 9;
-  CommControl probe;
-  frmOptions dialog(current, &probe);
-  QCOMPARE(dialog.chosen().ComNumber, 5);
-  QCOMPARE(dialog.busyPort(), std::optional<std::int16_t>(3));
-  // Abbrechen: the window takes the busy port, not the lowered number.
-  dialog.reject();
-  QCOMPARE(dialog.busyPort(), std::optional<std::int16_t>(3));
-}
-
-void tst_frmOptions::typedDevicePath_data() {
-  // How the text is typed ("%pty" the pseudo-terminal, "%link" a link to it), which port
-  // it becomes (0: refused), and the start of the message box.
-  QTest::addColumn<QString>("typed");
-  QTest::addColumn<bool>("mapped");  // the pty is Com3 already
-  QTest::addColumn<int>("number");
-  QTest::addColumn<QString>("box");
-  QTest::newRow("known device") << "%pty" << true << 3 << "Der GPS-Empfänger an ";
-  QTest::newRow("link to a known device") << "%link" << true << 3 << "Der GPS-Empfänger an ";
-  QTest::newRow("device of no port") << "%pty" << false << 29 << "Der GPS-Empfänger an ";
-  QTest::newRow("missing") << "/dev/marvento-no-gps" << false << 0
-                           << "Das Gerät /dev/marvento-no-gps ist nicht vorhanden.";
-  QTest::newRow("no device") << "/tmp" << false << 0 << "/tmp ist keine serielle Schnittstelle.";
-  // Regression: a name without a number became port 0 and the busy-port question.
-  QTest::newRow("port 0") << "Com" << false << 0 << "Die Schnittstelle „Com“ gibt es nicht.";
-}
-
-// A path typed as the port becomes that port's device, stored for the next start, or is
-// refused with the dialog left open.
-void tst_frmOptions::typedDevicePath() {
-  QFETCH(QString, typed);
-  QFETCH(bool, mapped);
-  QFETCH(int, number);
-  QFETCH(QString, box);
-  marvento::test::Pty pty;
-  QVERIFY(pty.ok());
-  if (mapped) marvento::test::SetPortDevice(3, pty.path());
-  const QString link = m_config.filePath(QStringLiteral("gps-link"));
-  QFile::remove(link);
-  QVERIFY(QFile::link(pty.path(), link));
-  typed.replace(QStringLiteral("%pty"), pty.path()).replace(QStringLiteral("%link"), link);
-
-  CommControl probe;
-  marvento::MsgBoxRecorder boxes;
-  frmOptions dialog(Preferences{}, &probe);
-  dialog.show();
-  child<QComboBox>(dialog, "Combo1")->setEditText(typed);
-  child<QPushButton>(dialog, "Command1")->click();
-
-  QCOMPARE(boxes.count(), 1);
-  QVERIFY2(boxes.last().prompt.startsWith(box), qPrintable(boxes.last().prompt));
-  if (number == 0) {
-    QVERIFY(dialog.isVisible());
-    return;
+  // The scan may lower the port number to the highest port there is, and it reports a port
+  // that this program holds open, so that the poll skips the busy-port question there.
+  void scanReportsThePortThisProgramHolds() {
+    marvento::test::Pty held, free;
+    QVERIFY(held.ok() && free.ok());
+    marvento::test::SetPortDevice(3, held.path());
+    marvento::test::SetPortDevice(5, free.path());
+    // The serial control of a poll holds the port while the dialog's probe scans.
+    CommControl comm;
+    QVERIFY(comm.setCommPort(3).ok());
+    QVERIFY(comm.setPortOpen(true).ok());
+    Preferences current;
+    current.ComPort = QStringLiteral("Com9");
+    current.ComNumber = 9;
+    CommControl probe;
+    frmOptions dialog(current, &probe);
+    QCOMPARE(dialog.chosen().ComNumber, 5);
+    QCOMPARE(dialog.busyPort(), std::optional<std::int16_t>(3));
+    // Abbrechen: the window takes the busy port, not the lowered number.
+    dialog.reject();
+    QCOMPARE(dialog.busyPort(), std::optional<std::int16_t>(3));
   }
-  QCOMPARE(dialog.result(), int(QDialog::Accepted));
-  QCOMPARE(dialog.chosen().ComNumber, number);
-  QCOMPARE(dialog.chosen().ComPort, QStringLiteral("Com%1").arg(number));
-  QVERIFY2(
-      boxes.last().prompt.endsWith(QStringLiteral(" wird als Com%1 angesprochen.").arg(number)),
-      qPrintable(boxes.last().prompt));
-  // The port opens the typed device from now on, also after a restart.
-  QCOMPARE(QFileInfo(marvento::PortDevice(number)).canonicalFilePath(), pty.path());
-  if (typed == link) QCOMPARE(marvento::PortDevice(number), link);
-}
 
-void tst_frmOptions::sourceAndStationPrograms_data() {
-  QTest::addColumn<QString>("port");
-  QTest::addColumn<QString>("gpsd");
-  QTest::addColumn<QString>("wsjtx");  // empty: the check box stays off
-  QTest::addColumn<QString>("rotor");
-  QTest::addColumn<QString>("box");  // the refusal's start; empty when accepted
-  QTest::addColumn<QString>("comPort");
-  QTest::addColumn<QString>("chosenGpsd");
-  QTest::addColumn<QString>("chosenWsjtx");  // as stored: empty when off
-  QTest::addColumn<QString>("chosenRotor");
-
-  const QString none;
-  const QString localGpsd = QStringLiteral("localhost:2947");
-  QTest::newRow("gpsd at its default")
-      << "gpsd" << localGpsd << none << none << none << "gpsd" << localGpsd << none << none;
-  QTest::newRow("gpsd elsewhere, programs on") << "GPSD"
-                                               << " 192.168.1.5:2948 "
-                                               << "224.0.0.1:2237"
-                                               << "[::1]" << none << "gpsd"
-                                               << "192.168.1.5:2948"
-                                               << "224.0.0.1:2237"
-                                               << "[::1]:4533";
-  QTest::newRow("gpsd address refused") << "gpsd"
-                                        << "localhost:x" << none << none << "Ungültige gpsd-Adresse"
-                                        << "Com1" << localGpsd << none << none;
-  QTest::newRow("a port ignores a bad gpsd address")
-      << "Com2"
-      << "localhost:x" << none << none << none << "Com2" << localGpsd << none << none;
-  QTest::newRow("WSJT-X needs an address to listen on")
-      << "gpsd" << localGpsd << "rechner:2237" << none << "Die Adresse „rechner:2237“ für WSJT-X"
-      << "Com1" << localGpsd << none << none;
-  QTest::newRow("rotor port out of range") << "Com1" << localGpsd << none << "127.0.0.1:70000"
-                                           << "Die Adresse „127.0.0.1:70000“ für Rotor"
-                                           << "Com1" << localGpsd << none << none;
-}
-
-// gpsd as a source and the station programs: checked before anything changes.
-void tst_frmOptions::sourceAndStationPrograms() {
-  QFETCH(QString, port);
-  QFETCH(QString, gpsd);
-  QFETCH(QString, wsjtx);
-  QFETCH(QString, rotor);
-  QFETCH(QString, box);
-  QFETCH(QString, comPort);
-  QFETCH(QString, chosenGpsd);
-  QFETCH(QString, chosenWsjtx);
-  QFETCH(QString, chosenRotor);
-
-  CommControl probe;
-  marvento::MsgBoxRecorder boxes;
-  frmOptions dialog(Preferences{}, &probe);
-  dialog.show();
-  QVERIFY(child<QComboBox>(dialog, "Combo1")->findText(QStringLiteral("gpsd")) >= 0);
-  child<QComboBox>(dialog, "Combo1")->setEditText(port);
-  child<QLineEdit>(dialog, "tbGpsd")->setText(gpsd);
-  if (!wsjtx.isEmpty()) {
-    child<QCheckBox>(dialog, "chkWsjtx")->setChecked(true);
-    child<QLineEdit>(dialog, "tbWsjtx")->setText(wsjtx);
+  void typedDevicePath_data() {
+    // How the text is typed ("%pty" the pseudo-terminal, "%link" a link to it) and the port it
+    // becomes; the refusals are among those of refusalsLeaveAllAsItWas.
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<bool>("mapped");  // the pty is Com3 already
+    QTest::addColumn<int>("number");
+    QTest::newRow("known device") << "%pty" << true << 3;
+    QTest::newRow("link to a known device") << "%link" << true << 3;
+    QTest::newRow("device of no port") << "%pty" << false << 29;
   }
-  if (!rotor.isEmpty()) {
-    child<QCheckBox>(dialog, "chkRotor")->setChecked(true);
-    child<QLineEdit>(dialog, "tbRotor")->setText(rotor);
-  }
-  child<QPushButton>(dialog, "Command1")->click();
 
-  if (box.isEmpty()) {
-    QCOMPARE(boxes.count(), 0);
-    QCOMPARE(dialog.result(), int(QDialog::Accepted));
-  } else {
+  // A path typed as the port becomes that port's device, stored for the next start.
+  void typedDevicePath() {
+    QFETCH(QString, typed);
+    QFETCH(bool, mapped);
+    QFETCH(int, number);
+    marvento::test::Pty pty;
+    QVERIFY(pty.ok());
+    if (mapped) marvento::test::SetPortDevice(3, pty.path());
+    const QString link = m_config.filePath(QStringLiteral("gps-link"));
+    QFile::remove(link);
+    QVERIFY(QFile::link(pty.path(), link));
+    typed.replace(QStringLiteral("%pty"), pty.path()).replace(QStringLiteral("%link"), link);
+
+    CommControl probe;
+    marvento::MsgBoxRecorder boxes;
+    frmOptions dialog(Preferences{}, &probe);
+    dialog.show();
+    child<QComboBox>(dialog, "Combo1")->setEditText(typed);
+    child<QPushButton>(dialog, "Command1")->click();
+
     QCOMPARE(boxes.count(), 1);
-    QVERIFY2(boxes.last().prompt.startsWith(box), qPrintable(boxes.last().prompt));
-    QVERIFY(dialog.isVisible());
+    QCOMPARE(boxes.last().prompt,
+             QStringLiteral("Der GPS-Empfänger an %1 wird als Com%2 angesprochen.")
+                 .arg(typed)
+                 .arg(number));
+    QCOMPARE(dialog.result(), int(QDialog::Accepted));
+    QCOMPARE(dialog.chosen().ComNumber, number);
+    QCOMPARE(dialog.chosen().ComPort, QStringLiteral("Com%1").arg(number));
+    // The port opens the typed device from now on, also after a restart.
+    QCOMPARE(QFileInfo(marvento::PortDevice(number)).canonicalFilePath(), pty.path());
+    if (typed == link) QCOMPARE(marvento::PortDevice(number), link);
   }
-  const Preferences& chosen = dialog.chosen();
-  QCOMPARE(chosen.ComPort, comPort);
-  QCOMPARE(chosen.GpsdAddress, chosenGpsd);
-  QCOMPARE(marvento::StationAddressText(chosen.stations[0]), chosenWsjtx);
-  QCOMPARE(chosen.stations[1].status, marvento::StationAddress::Off);
-  QCOMPARE(marvento::StationAddressText(chosen.stations[2]), chosenRotor);
-}
 
-void tst_frmOptions::storedStationProgramsAreShown() {
-  Preferences current;
-  current.GpsdAddress = QStringLiteral("pi.local:2947");
-  current.stations[1] = marvento::ParseStationAddress(QStringLiteral("10.0.0.7:2442"),
-                                                      marvento::StationProgram::Js8Call);
-  // An address that does not read counts as off; the field offers the usual one.
-  current.stations[2] =
-      marvento::ParseStationAddress(QStringLiteral("kein Rotor"), marvento::StationProgram::Rotor);
-  frmOptions dialog(current, nullptr);
-  QCOMPARE(child<QLineEdit>(dialog, "tbGpsd")->text(), QStringLiteral("pi.local:2947"));
-  QVERIFY(child<QCheckBox>(dialog, "chkJs8Call")->isChecked());
-  QCOMPARE(child<QLineEdit>(dialog, "tbJs8Call")->text(), QStringLiteral("10.0.0.7:2442"));
-  QVERIFY(!child<QCheckBox>(dialog, "chkRotor")->isChecked());
-  QVERIFY(!child<QLineEdit>(dialog, "tbRotor")->isEnabled());
-  QCOMPARE(child<QLineEdit>(dialog, "tbRotor")->text(), QStringLiteral("127.0.0.1:4533"));
-  QVERIFY(!child<QCheckBox>(dialog, "chkWsjtx")->isChecked());
-}
+  // The source, the gpsd address and the station programs are all checked before anything
+  // changes: a refusal keeps the dialog open and leaves the first run's values.
+  void refusalsLeaveAllAsItWas() {
+    struct Case {
+      const char* port;
+      const char* box = nullptr;  // the refusal's start; nullptr when accepted
+      const char* gpsd = "localhost:2947";
+      const char* wsjtx = nullptr;  // nullptr leaves the box off
+      const char* rotor = nullptr;
+      // Port, gpsd address, WSJT-X and rotor as they would be stored (empty when off).
+      const char* chosen = "Com1|localhost:2947||";
+    };
+    const Case cases[] = {
+        {"GPSD", nullptr, " 192.168.1.5:2948 ", "224.0.0.1:2237", "[::1]",
+         "gpsd|192.168.1.5:2948|224.0.0.1:2237|[::1]:4533"},
+        {"gpsd", "Ungültige gpsd-Adresse", "localhost:x"},
+        // With a port as the source a bad gpsd address is passed over and the old one kept.
+        {"Com2", nullptr, "localhost:x", nullptr, nullptr, "Com2|localhost:2947||"},
+        // WSJT-X needs an address to listen on.
+        {"gpsd", "Die Adresse „rechner:2237“ für WSJT-X", "localhost:2947", "rechner:2237"},
+        {"/dev/marvento-no-gps", "Das Gerät /dev/marvento-no-gps ist nicht vorhanden."},
+        {"/tmp", "/tmp ist keine serielle Schnittstelle."},
+        // Regression: a name without a number became port 0 and the busy-port question.
+        {"Com", "Die Schnittstelle „Com“ gibt es nicht."},
+    };
+    for (const auto& c : cases) {
+      CommControl probe;
+      marvento::MsgBoxRecorder boxes;
+      frmOptions dialog(Preferences{}, &probe);
+      dialog.show();
+      QVERIFY(child<QComboBox>(dialog, "Combo1")->findText(QStringLiteral("gpsd")) >= 0);
+      child<QComboBox>(dialog, "Combo1")->setEditText(c.port);
+      child<QLineEdit>(dialog, "tbGpsd")->setText(c.gpsd);
+      const std::pair<const char*, const char*> programs[] = {{"Wsjtx", c.wsjtx},
+                                                              {"Rotor", c.rotor}};
+      for (const auto& [name, address] : programs) {
+        if (!address) continue;
+        child<QCheckBox>(dialog, qPrintable(QStringLiteral("chk") + name))->setChecked(true);
+        child<QLineEdit>(dialog, qPrintable(QStringLiteral("tb") + name))->setText(address);
+      }
+      child<QPushButton>(dialog, "Command1")->click();
+
+      QCOMPARE(boxes.count(), c.box ? 1 : 0);
+      if (c.box) {
+        QVERIFY2(boxes.last().prompt.startsWith(QString::fromUtf8(c.box)),
+                 qPrintable(boxes.last().prompt));
+      }
+      QCOMPARE(dialog.isVisible(), c.box != nullptr);
+      const Preferences& chosen = dialog.chosen();
+      QCOMPARE(QStringList({chosen.ComPort, chosen.GpsdAddress,
+                            marvento::StationAddressText(chosen.stations[0]),
+                            marvento::StationAddressText(chosen.stations[2])})
+                   .join(u'|'),
+               QString::fromUtf8(c.chosen));
+      QCOMPARE(chosen.stations[1].status, marvento::StationAddress::Off);
+    }
+  }
+
+  void storedStationProgramsAreShown() {
+    Preferences current;
+    current.GpsdAddress = QStringLiteral("pi.local:2947");
+    current.stations[1] = marvento::ParseStationAddress(QStringLiteral("10.0.0.7:2442"),
+                                                        marvento::StationProgram::Js8Call);
+    // An address that does not read counts as off; the field offers the usual one.
+    current.stations[2] = marvento::ParseStationAddress(QStringLiteral("kein Rotor"),
+                                                        marvento::StationProgram::Rotor);
+    frmOptions dialog(current, nullptr);
+    QCOMPARE(child<QLineEdit>(dialog, "tbGpsd")->text(), QStringLiteral("pi.local:2947"));
+    QVERIFY(child<QCheckBox>(dialog, "chkJs8Call")->isChecked());
+    QCOMPARE(child<QLineEdit>(dialog, "tbJs8Call")->text(), QStringLiteral("10.0.0.7:2442"));
+    QVERIFY(!child<QCheckBox>(dialog, "chkRotor")->isChecked());
+    QVERIFY(!child<QLineEdit>(dialog, "tbRotor")->isEnabled());
+    QCOMPARE(child<QLineEdit>(dialog, "tbRotor")->text(), QStringLiteral("127.0.0.1:4533"));
+    QVERIFY(!child<QCheckBox>(dialog, "chkWsjtx")->isChecked());
+  }
+
+ private:
+  QTemporaryDir m_config;
+};
 
 QTEST_MAIN(tst_frmOptions)
 #include "tst_frmOptions.moc"

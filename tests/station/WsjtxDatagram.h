@@ -45,6 +45,12 @@ inline QByteArray Status(const QByteArray& id, std::uint32_t schema = 2) {
   return d;
 }
 
+// Location (type 11): id and locator; what the link sends.
+inline QByteArray Location(const QByteArray& id, const QByteArray& locator,
+                           std::uint32_t schema = 2) {
+  return Header(11, id, schema) + Utf8(locator);
+}
+
 // Close (type 6): id only.
 inline QByteArray Close(const QByteArray& id) {
   return Header(6, id);

@@ -52,57 +52,54 @@ class TestJs8CallLink : public QObject {
   Q_OBJECT
 
  private slots:
-  void locatorReachesJs8CallLateAndAgainAfterItsRestart();
-  void gridValueCannotLeaveItsString();
-};
+  void locatorReachesJs8CallLateAndAgainAfterItsRestart() {
+    quint16 port = 0;
+    {
+      QTcpServer probe;
+      QVERIFY(probe.listen(QHostAddress::LocalHost, 0));
+      port = probe.serverPort();
+    }
+    Js8CallLink link;
+    QSignalSpy connected(&link, &Js8CallLink::connectedChanged);
+    link.setLocator(QStringLiteral("JO62QM84AT"));
+    link.start(QStringLiteral("127.0.0.1"), port);
+    // JS8Call not running yet: refused, tried again later, nothing said.
+    QTest::qWait(1200);
+    QCOMPARE(connected.count(), 0);
 
-void TestJs8CallLink::locatorReachesJs8CallLateAndAgainAfterItsRestart() {
-  quint16 port = 0;
-  {
-    QTcpServer probe;
-    QVERIFY(probe.listen(QHostAddress::LocalHost, 0));
-    port = probe.serverPort();
+    FakeJs8Call js8;
+    QVERIFY(js8.listen(port));
+    QTRY_COMPARE_WITH_TIMEOUT(js8.m_lines.size(), 1, 10000);
+    QCOMPARE(js8.m_lines[0],
+             QByteArray(R"({"type":"STATION.SET_GRID","value":"JO62QM84AT","params":{}})"
+                        "\n"));
+    // The same locator again is not sent; a new one is, and a text that is no locator not.
+    link.setLocator(QStringLiteral("jo62qm84at"));
+    link.setLocator(QStringLiteral("JO62"));
+    link.setLocator(QStringLiteral("JO62QN"));
+    QTRY_COMPARE_WITH_TIMEOUT(js8.m_lines.size(), 2, 5000);
+    QVERIFY(js8.m_lines[1].contains(R"("value":"JO62QN")"));
+
+    // JS8Call ends and comes back on the same port: the link finds it and tells it again.
+    js8.stop();
+    QTRY_VERIFY_WITH_TIMEOUT(!link.isConnected(), 5000);
+    QTest::qWait(700);
+    QVERIFY(js8.listen(port));
+    QTRY_COMPARE_WITH_TIMEOUT(js8.m_lines.size(), 3, 10000);
+    QVERIFY(js8.m_lines[2].contains(R"("value":"JO62QN")"));
+    QCOMPARE(js8.m_connections, 2);
+    QCOMPARE(connected.count(), 3);  // true, false, true
   }
-  Js8CallLink link;
-  QSignalSpy connected(&link, &Js8CallLink::connectedChanged);
-  link.setLocator(QStringLiteral("JO62QM84AT"));
-  link.start(QStringLiteral("127.0.0.1"), port);
-  // JS8Call not running yet: refused, tried again later, nothing said.
-  QTest::qWait(1200);
-  QCOMPARE(connected.count(), 0);
 
-  FakeJs8Call js8;
-  QVERIFY(js8.listen(port));
-  QTRY_COMPARE_WITH_TIMEOUT(js8.m_lines.size(), 1, 10000);
-  QCOMPARE(js8.m_lines[0],
-           QByteArray(R"({"type":"STATION.SET_GRID","value":"JO62QM84AT","params":{}})"
-                      "\n"));
-  // The same locator again is not sent; a new one is, and a text that is no locator not.
-  link.setLocator(QStringLiteral("jo62qm84at"));
-  link.setLocator(QStringLiteral("JO62"));
-  link.setLocator(QStringLiteral("JO62QN"));
-  QTRY_COMPARE_WITH_TIMEOUT(js8.m_lines.size(), 2, 5000);
-  QVERIFY(js8.m_lines[1].contains(R"("value":"JO62QN")"));
-
-  // JS8Call ends and comes back on the same port: the link finds it and tells it again.
-  js8.stop();
-  QTRY_VERIFY_WITH_TIMEOUT(!link.isConnected(), 5000);
-  QTest::qWait(700);
-  QVERIFY(js8.listen(port));
-  QTRY_COMPARE_WITH_TIMEOUT(js8.m_lines.size(), 3, 10000);
-  QVERIFY(js8.m_lines[2].contains(R"("value":"JO62QN")"));
-  QCOMPARE(js8.m_connections, 2);
-  QCOMPARE(connected.count(), 3);  // true, false, true
-}
-
-void TestJs8CallLink::gridValueCannotLeaveItsString() {
-  const QString hostile = QStringLiteral("A\",\"type\":\"X\n");
-  const QByteArray line = Js8CallLink::gridMessage(hostile);
-  QCOMPARE(line.count('\n'), 1);
-  const QJsonObject json = QJsonDocument::fromJson(line).object();
-  QCOMPARE(json.value(u"type").toString(), QStringLiteral("STATION.SET_GRID"));
-  QCOMPARE(json.value(u"value").toString(), hostile);
-}
+  void gridValueCannotLeaveItsString() {
+    const QString hostile = QStringLiteral("A\",\"type\":\"X\n");
+    const QByteArray line = Js8CallLink::gridMessage(hostile);
+    QCOMPARE(line.count('\n'), 1);
+    const QJsonObject json = QJsonDocument::fromJson(line).object();
+    QCOMPARE(json.value(u"type").toString(), QStringLiteral("STATION.SET_GRID"));
+    QCOMPARE(json.value(u"value").toString(), hostile);
+  }
+};
 
 QTEST_GUILESS_MAIN(TestJs8CallLink)
 #include "tst_Js8CallLink.moc"
