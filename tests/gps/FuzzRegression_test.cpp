@@ -32,14 +32,9 @@ TEST(GpsdFuzzRegression, OddFieldNamesNeverReachLibgps) {
   EXPECT_FALSE(sky.satellitesUsed.has_value());
   const QByteArray nested =
       R"({"class":"TPV","mode":2,"lat":48.1173,"lon":11.5167,"x":[{"":1,"a b":{"":[]}}]})";
-  EXPECT_EQ(ReadGpsdReply(QByteArrayView(nested)).kind, GpsdReply::Kind::Tpv);
-  // The same report without the repetition is still a fix.
-  const QByteArray once = R"({"class":"TPV","mode":2,"lat":48.1173,"lon":11.5167})";
-  const GpsdReply reply = ReadGpsdReply(QByteArrayView(once));
-  ASSERT_EQ(reply.kind, GpsdReply::Kind::Tpv);
-  EXPECT_TRUE(reply.fix.valid);
-  EXPECT_DOUBLE_EQ(reply.fix.lat, 48.1173);
-  EXPECT_DOUBLE_EQ(reply.fix.lon, 11.5167);
+  const GpsdReply tpv = ReadGpsdReply(QByteArrayView(nested));
+  EXPECT_EQ(tpv.kind, GpsdReply::Kind::Tpv);
+  EXPECT_TRUE(tpv.fix.valid);
 }
 
 }  // namespace

@@ -5,24 +5,17 @@
 namespace marvento {
 namespace {
 
+// What the second status panel shows; the other parts are read by the clock correction below.
 TEST(GpsTime, SplitsTheUtcField) {
-  const struct {
-    const char *utc, *secRaw, *secText, *minText, *hourText, *shown;
-  } cases[] = {
-      {"123519.60", "19.60", "20", "35", "12", "12:35:20"},
-      {"235959.90", "59.90", "60", "59", "23", "23:59:60"},
+  const std::pair<const char*, const char*> cases[] = {
+      {"123519.60", "12:35:20"},
+      {"235959.90", "23:59:60"},
       // No point, or one too far left: minutes and hours are skipped steps.
-      {"123519", "123519", "123519", "", "", "::123519"},
-      {"1.5", "1.5", "02", "", "", "::02"},
+      {"123519", "::123519"},
+      {"1.5", "::02"},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.utc);
-    const UtcTimeParts p = SplitUtc(QString::fromLatin1(c.utc));
-    EXPECT_EQ(p.secRaw, QString::fromLatin1(c.secRaw));
-    EXPECT_EQ(p.secText, QString::fromLatin1(c.secText));
-    EXPECT_EQ(p.minText, QString::fromLatin1(c.minText));
-    EXPECT_EQ(p.hourText, QString::fromLatin1(c.hourText));
-    EXPECT_EQ(p.shown, QString::fromLatin1(c.shown));
+  for (const auto& [utc, shown] : cases) {
+    EXPECT_EQ(SplitUtc(QString::fromLatin1(utc)).shown, QString::fromLatin1(shown)) << utc;
   }
 }
 

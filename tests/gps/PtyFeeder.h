@@ -23,27 +23,20 @@ struct Piece {
 class PtyFeeder {
  public:
   PtyFeeder(const Pty& pty, std::vector<Piece> pieces)
-      : m_thread([this, &pty, pieces = std::move(pieces)] {
+      : m_thread([this, &pty, pieces = std::move(pieces)](std::stop_token stop) {
           for (const Piece& piece : pieces) {
-            if (m_stop) break;
+            if (stop.stop_requested()) break;
             std::this_thread::sleep_for(std::chrono::milliseconds(piece.afterMs));
             pty.write(piece.bytes);
           }
           m_done = true;
         }) {}
-  ~PtyFeeder() {
-    m_stop = true;
-    m_thread.join();
-  }
-  PtyFeeder(const PtyFeeder&) = delete;
-  PtyFeeder& operator=(const PtyFeeder&) = delete;
 
   bool done() const { return m_done; }
 
  private:
-  std::atomic<bool> m_stop = false;
   std::atomic<bool> m_done = false;
-  std::thread m_thread;
+  std::jthread m_thread;  // asked to stop and joined when the feeder goes
 };
 
 }  // namespace marvento::test

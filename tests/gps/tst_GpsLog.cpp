@@ -25,18 +25,145 @@ class TestGpsLog : public QObject {
   Q_OBJECT
 
  private slots:
-  void initTestCase();
-  void init();
-  void cleanup();
-  void whichCallsWrite_data();
-  void whichCallsWrite();
-  void timerAroundTheWrite();
-  void unwritableFileIsToldAndRetried();
-  void readOnlyDirectory();
-  void fullDiskWarningStaysUntilALineIsWritten();
-  void lineCutByTheSizeLimitIsTakenBack();
+  void initTestCase() {
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    m_savedDir = QDir::currentPath();
+  }
+
+  void init() {
+    m_dir = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_dir->isValid());
+    QVERIFY(QDir::setCurrent(m_dir->path()));
+    m_receptionOn = true;
+    m_panel2.clear();
+    m_lbInfo.clear();
+    m_tbMyLoc.clear();
+    m_timer.setInterval(30000);
+    m_timer.start();
+    m_log =
+        std::make_unique<GpsLog>([this] { return m_receptionOn; },
+                                 GpsLogView{&m_panel2, &m_tbMyLoc, &m_lbInfo, &m_timer}, m_clock);
+  }
+
+  void cleanup() {
+    QDir::setCurrent(m_savedDir);
+    m_dir.reset();
+  }
+
+  void whichCallsWrite_data() {
+    // Calls as "time|locator" pairs, and the lines that end up in the file.
+    QTest::addColumn<QStringList>("calls");
+    QTest::addColumn<QStringList>("lines");
+    QTest::newRow("standing still writes once")
+        << QStringList{"12:35:19|JO31AB", "12:35:49|JO31AB", "12:36:19|JO31AB"}
+        << QStringList{"12:35:19|JO31AB"};
+    QTest::newRow("return to an earlier locator writes")
+        << QStringList{"12:35:19|JO31AB", "12:35:49|JO31AC", "12:36:19|JO31AB"}
+        << QStringList{"12:35:19|JO31AB", "12:35:49|JO31AC", "12:36:19|JO31AB"};
+    QTest::newRow("new locator, same time: no line, compared with the old one later")
+        << QStringList{"12:35:19|JO31AB", "12:35:19|JO31AC", "12:35:49|JO31AB", "12:35:49|JO31AC"}
+        << QStringList{"12:35:19|JO31AB", "12:35:49|JO31AC"};
+    QTest::newRow("panel or locator still empty")
+        << QStringList{"|JO31AB", "12:35:19|", "12:35:49|JO31AB"} << QStringList{"12:35:49|JO31AB"};
+  }
+
+  void whichCallsWrite() {
+    QFETCH(QStringList, calls);
+    QFETCH(QStringList, lines);
+    for (const QString& call : calls) write(call.section(u'|', 0, 0), call.section(u'|', 1, 1));
+    QByteArray expected;
+    for (const QString& line : lines) {
+      expected +=
+          PrintZones({"18.11.2026", line.section(u'|', 0, 0), line.section(u'|', 1, 1)}).toUtf8() +
+          "\r\n";
+    }
+    QCOMPARE(fileBytes(), expected);
+    QCOMPARE(m_lbInfo.text(), QString());
+  }
+
+  void timerAroundTheWrite() {
+    // Reception on: the timer runs after the write, whatever it did before.
+    m_timer.stop();
+    write("12:35:19", QStringLiteral("JO31ÄB"));
+    QVERIFY(m_timer.isActive());
+    QVERIFY(
+        fileBytes().endsWith("JO31\xc3\x84"
+                             "B\r\n"));  // UTF-8
+
+    // Reception off: the timer is left alone.
+    m_receptionOn = false;
+    m_timer.stop();
+    write("12:35:49", "JO31AC");
+    QVERIFY(!m_timer.isActive());
+    QCOMPARE(fileBytes().count("\r\n"), 2);
+  }
+
+  void failedWriteIsToldAndRetried_data() {
+    QTest::addColumn<bool>("fullDisk");
+    QTest::addColumn<QString>("reason");
+    // A directory of the log's name cannot be opened for writing, not even by root.
+    QTest::newRow("directory of the log's name") << false << QStringLiteral("ist ein Verzeichnis");
+    QTest::newRow("full disk") << true << QStringLiteral("Datenträger ist voll");
+  }
+
+  // Regression: the warning of a full disk vanished with the next poll, which clears lbInfo.
+  void failedWriteIsToldAndRetried() {
+    QFETCH(bool, fullDisk);
+    QFETCH(QString, reason);
+    QVERIFY(fullDisk ? QFile::link(QStringLiteral("/dev/full"), GpsLog::kFileName)
+                     : QDir(m_dir->path()).mkdir(GpsLog::kFileName));
+    write("12:35:19", "JO31AB");
+    const QString warning = QStringLiteral("Protokoll nicht schreibbar: %1 (%2)")
+                                .arg(reason, m_dir->filePath(GpsLog::kFileName));
+    QCOMPARE(m_lbInfo.text(), warning);
+    QVERIFY(m_timer.isActive());
+    QCOMPARE(m_log->LastLogLoc(), QString());
+    m_lbInfo.clear();  // as the next poll does
+    m_log->showWarning();
+    QCOMPARE(m_lbInfo.text(), warning);
+
+    // Once the way is free, the same line is written at the next call and the warning goes.
+    QVERIFY(fullDisk ? QFile::remove(GpsLog::kFileName)
+                     : QDir(m_dir->path()).rmdir(GpsLog::kFileName));
+    m_log->WriteGpsLog();
+    QCOMPARE(fileBytes(), QByteArray("18.11.2026    12:35:19      JO31AB\r\n"));
+    QCOMPARE(m_log->LastLogLoc(), QStringLiteral("JO31AB"));
+    QCOMPARE(m_lbInfo.text(), QString());
+    m_log->showWarning();
+    QCOMPARE(m_lbInfo.text(), QString());
+  }
+
+  // Regression: a full disk left half a line, to which the next line was glued.
+  void lineCutByTheSizeLimitIsTakenBack() {
+    const QByteArray old = "18.11.2026    12:35:19      JO31AB\r\n";
+    {
+      QFile file(GpsLog::kFileName);
+      QVERIFY(file.open(QIODevice::WriteOnly));
+      file.write(old);
+    }
+    // The child may write only 10 bytes more: the disk is full in the middle of the line.
+    const pid_t child = ::fork();
+    QVERIFY(child >= 0);
+    if (child == 0) {
+      std::signal(SIGXFSZ, SIG_IGN);
+      const rlimit limit{rlim_t(old.size() + 10), rlim_t(old.size() + 10)};
+      ::setrlimit(RLIMIT_FSIZE, &limit);
+      const auto error = AppendToFile(GpsLog::kFileName, QStringLiteral("x").repeated(40));
+      ::_exit(error && error->startsWith(QStringLiteral("Datei hat die erlaubte Größe")) ? 0 : 1);
+    }
+    int status = 0;
+    QCOMPARE(::waitpid(child, &status, 0), child);
+    QVERIFY(WIFEXITED(status));
+    QCOMPARE(WEXITSTATUS(status), 0);
+    QCOMPARE(fileBytes(), old);
+  }
 
  private:
+  void write(const QString& time, const QString& loc) {
+    m_panel2.setText(time);
+    m_tbMyLoc.setText(loc);
+    m_log->WriteGpsLog();
+  }
   QByteArray fileBytes() const {
     QFile file(m_dir->filePath(GpsLog::kFileName));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
@@ -51,168 +178,6 @@ class TestGpsLog : public QObject {
   test::FakeClock m_clock;
   std::unique_ptr<GpsLog> m_log;
 };
-
-void TestGpsLog::initTestCase() {
-  QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-  m_savedDir = QDir::currentPath();
-}
-
-void TestGpsLog::init() {
-  m_dir = std::make_unique<QTemporaryDir>();
-  QVERIFY(m_dir->isValid());
-  QVERIFY(QDir::setCurrent(m_dir->path()));
-  m_receptionOn = true;
-  m_panel2.clear();
-  m_lbInfo.clear();
-  m_tbMyLoc.clear();
-  m_timer.setInterval(30000);
-  m_timer.start();
-  m_log = std::make_unique<GpsLog>([this] { return m_receptionOn; }, GpsLogView{&m_panel2, &m_tbMyLoc, &m_lbInfo, &m_timer},
-                                   m_clock);
-}
-
-void TestGpsLog::cleanup() {
-  QDir::setCurrent(m_savedDir);
-  QFile(m_dir->path()).setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-  m_dir.reset();
-}
-
-void TestGpsLog::whichCallsWrite_data() {
-  // Calls as "time|locator" pairs, and the lines that end up in the file.
-  QTest::addColumn<QStringList>("calls");
-  QTest::addColumn<QStringList>("lines");
-  QTest::newRow("standing still writes once")
-      << QStringList{"12:35:19|JO31AB", "12:35:49|JO31AB", "12:36:19|JO31AB"}
-      << QStringList{"12:35:19|JO31AB"};
-  QTest::newRow("return to an earlier locator writes")
-      << QStringList{"12:35:19|JO31AB", "12:35:49|JO31AC", "12:36:19|JO31AB"}
-      << QStringList{"12:35:19|JO31AB", "12:35:49|JO31AC", "12:36:19|JO31AB"};
-  QTest::newRow("new locator, same time: no line, compared with the old one later")
-      << QStringList{"12:35:19|JO31AB", "12:35:19|JO31AC", "12:35:49|JO31AB", "12:35:49|JO31AC"}
-      << QStringList{"12:35:19|JO31AB", "12:35:49|JO31AC"};
-  QTest::newRow("panel still empty")
-      << QStringList{"|JO31AB", "12:35:19|JO31AB"} << QStringList{"12:35:19|JO31AB"};
-  QTest::newRow("locator still empty")
-      << QStringList{"12:35:19|", "12:35:49|JO31AB"} << QStringList{"12:35:49|JO31AB"};
-}
-
-void TestGpsLog::whichCallsWrite() {
-  QFETCH(QStringList, calls);
-  QFETCH(QStringList, lines);
-  for (const QString& call : calls) {
-    m_panel2.setText(call.section(u'|', 0, 0));
-    m_tbMyLoc.setText(call.section(u'|', 1, 1));
-    m_log->WriteGpsLog();
-  }
-  QByteArray expected;
-  for (const QString& line : lines) {
-    expected +=
-        PrintZones({"18.11.2026", line.section(u'|', 0, 0), line.section(u'|', 1, 1)}).toUtf8() +
-        "\r\n";
-  }
-  QCOMPARE(fileBytes(), expected);
-  QCOMPARE(m_lbInfo.text(), QString());
-}
-
-void TestGpsLog::timerAroundTheWrite() {
-  // Reception on: the timer runs after the write, whatever it did before.
-  m_timer.stop();
-  m_panel2.setText("12:35:19");
-  m_tbMyLoc.setText(QStringLiteral("JO31ÄB"));
-  m_log->WriteGpsLog();
-  QVERIFY(m_timer.isActive());
-  QVERIFY(
-      fileBytes().endsWith("JO31\xc3\x84"
-                           "B\r\n"));  // UTF-8
-
-  // Reception off: the timer is left alone.
-  m_receptionOn = false;
-  m_timer.stop();
-  m_panel2.setText("12:35:49");
-  m_tbMyLoc.setText("JO31AC");
-  m_log->WriteGpsLog();
-  QVERIFY(!m_timer.isActive());
-  QCOMPARE(fileBytes().count("\r\n"), 2);
-}
-
-void TestGpsLog::unwritableFileIsToldAndRetried() {
-  // A directory of the log's name cannot be opened for writing, not even by root.
-  QVERIFY(QDir(m_dir->path()).mkdir(GpsLog::kFileName));
-  m_panel2.setText("12:35:19");
-  m_tbMyLoc.setText("JO31AB");
-  m_log->WriteGpsLog();
-  QVERIFY2(
-      m_lbInfo.text().startsWith(QStringLiteral("Protokoll nicht schreibbar: ist ein Verzeichnis")),
-      qPrintable(m_lbInfo.text()));
-  QVERIFY(m_timer.isActive());
-  QCOMPARE(m_log->LastLogLoc(), QString());
-
-  // Once the way is free, the same line is written at the next call.
-  QVERIFY(QDir(m_dir->path()).rmdir(GpsLog::kFileName));
-  m_log->WriteGpsLog();
-  QCOMPARE(fileBytes(), QByteArray("18.11.2026    12:35:19      JO31AB\r\n"));
-  QCOMPARE(m_log->LastLogLoc(), QStringLiteral("JO31AB"));
-}
-
-void TestGpsLog::readOnlyDirectory() {
-  if (::geteuid() == 0) QSKIP("root may write into a read-only directory; not testable as root");
-  QVERIFY(QFile(m_dir->path()).setPermissions(QFile::ReadOwner | QFile::ExeOwner));
-  m_panel2.setText("12:35:19");
-  m_tbMyLoc.setText("JO31AB");
-  m_log->WriteGpsLog();
-  QVERIFY2(m_lbInfo.text().startsWith(
-               QStringLiteral("Protokoll nicht schreibbar: keine Schreibberechtigung")),
-           qPrintable(m_lbInfo.text()));
-  QVERIFY(m_timer.isActive());
-  QCOMPARE(m_log->LastLogTime(), QString());
-}
-
-// Regression: the warning of a full disk vanished with the next poll, which clears lbInfo.
-void TestGpsLog::fullDiskWarningStaysUntilALineIsWritten() {
-  QVERIFY(QFile::link(QStringLiteral("/dev/full"), GpsLog::kFileName));
-  m_panel2.setText("12:35:19");
-  m_tbMyLoc.setText("JO31AB");
-  m_log->WriteGpsLog();
-  const QString warning = QStringLiteral("Protokoll nicht schreibbar: Datenträger ist voll (") +
-                          m_dir->filePath(GpsLog::kFileName) + u')';
-  QCOMPARE(m_lbInfo.text(), warning);
-  m_lbInfo.clear();  // as the next poll does
-  m_log->showWarning();
-  QCOMPARE(m_lbInfo.text(), warning);
-
-  QVERIFY(QFile::remove(GpsLog::kFileName));
-  m_log->WriteGpsLog();
-  QCOMPARE(m_log->warning(), QString());
-  QCOMPARE(m_lbInfo.text(), QString());
-  m_log->showWarning();
-  QCOMPARE(m_lbInfo.text(), QString());
-  QCOMPARE(fileBytes(), QByteArray("18.11.2026    12:35:19      JO31AB\r\n"));
-}
-
-// Regression: a full disk left half a line, to which the next line was glued.
-void TestGpsLog::lineCutByTheSizeLimitIsTakenBack() {
-  const QByteArray old = "18.11.2026    12:35:19      JO31AB\r\n";
-  {
-    QFile file(GpsLog::kFileName);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(old);
-  }
-  // The child may write only 10 bytes more: the disk is full in the middle of the line.
-  const pid_t child = ::fork();
-  QVERIFY(child >= 0);
-  if (child == 0) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit{rlim_t(old.size() + 10), rlim_t(old.size() + 10)};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-    const auto error = AppendToFile(GpsLog::kFileName, QStringLiteral("x").repeated(40));
-    ::_exit(error && error->startsWith(QStringLiteral("Datei hat die erlaubte Größe")) ? 0 : 1);
-  }
-  int status = 0;
-  QCOMPARE(::waitpid(child, &status, 0), child);
-  QVERIFY(WIFEXITED(status));
-  QCOMPARE(WEXITSTATUS(status), 0);
-  QCOMPARE(fileBytes(), old);
-}
 
 QTEST_MAIN(TestGpsLog)
 #include "tst_GpsLog.moc"

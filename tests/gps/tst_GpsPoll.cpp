@@ -31,103 +31,6 @@ const QByteArray kRmcV =
     "$GPRMC,123519.00,V,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*53\r\n";
 constexpr int kOpenMs = 60;
 
-}  // namespace
-
-class TestGpsPoll : public QObject {
-  Q_OBJECT
-
- private slots:
-  void initTestCase();
-  void init();
-  void cleanup();
-  void goodData_data();
-  void goodData();
-  void threeFailedTriesFromStart();
-  void sixFailedTriesAfterData();
-  void clockSetOnlyThroughTheClockGiven();
-  void cancelEndsThePollQuietly();
-
- private:
-  // Starts a poll and lets the event loop run until it has ended.
-  void poll() {
-    m_poll->poll(1, QStringLiteral("4000000,N,8,1"));
-    QTRY_VERIFY_WITH_TIMEOUT(!m_poll->isPolling(), 5000);
-  }
-  void feed(const QByteArray& bytes) {
-    m_feeder =
-        std::make_unique<test::PtyFeeder>(*m_pty, std::vector<test::Piece>{{kOpenMs, bytes}});
-  }
-
-  QTemporaryDir m_config;
-  std::unique_ptr<test::Pty> m_pty;
-  std::unique_ptr<test::PtyFeeder> m_feeder;
-  QLabel m_lbInfo, m_lbKurs, m_panel2;
-  QLineEdit m_tbMyLoc, m_tbMyLg, m_tbMyBr, m_tbFremdLoc, m_tbFremdLg, m_tbFremdBr;
-  QTimer m_timer;
-  CommControl m_comm;
-  GpsPollSettings m_settings;
-  int m_receptionOffs = 0;
-  test::FakeClock m_clock;
-  int m_computes = 0;
-  int m_unlocks = 0;
-  bool m_pollingSeenInCompute = false;
-  QStringList m_heights;
-  std::unique_ptr<GpsPoll> m_poll;
-};
-
-void TestGpsPoll::initTestCase() {
-  qputenv("XDG_CONFIG_HOME", m_config.path().toLocal8Bit());
-  QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-}
-
-void TestGpsPoll::init() {
-  test::SetNoPortDevices();
-  m_pty = std::make_unique<test::Pty>();
-  QVERIFY(m_pty->ok());
-  test::SetPortDevice(1, m_pty->path());
-  m_settings = GpsPollSettings{};
-  m_settings.comPort = QStringLiteral("Com1");
-  m_settings.receptionOn = true;
-  m_receptionOffs = 0;
-  for (QLineEdit* e :
-       {&m_tbMyLoc, &m_tbMyLg, &m_tbMyBr, &m_tbFremdLoc, &m_tbFremdLg, &m_tbFremdBr}) {
-    e->clear();
-  }
-  m_lbInfo.clear();
-  m_lbKurs.setText(QStringLiteral("old course"));
-  m_panel2.clear();
-  m_timer.setInterval(30000);
-  m_timer.start();
-  m_computes = 0;
-  m_unlocks = 0;
-  m_heights.clear();
-  m_clock.set(QDateTime(QDate(2026, 11, 18), QTime(14, 22, 10)));
-  GpsPollView view{&m_lbInfo,    &m_lbKurs,    &m_tbMyLoc, &m_tbMyLg, &m_tbMyBr, &m_tbFremdLoc,
-                   &m_tbFremdLg, &m_tbFremdBr, &m_panel2, &m_timer,    &m_comm};
-  GpsPollHooks hooks;
-  hooks.Settings = [this] { return m_settings; };
-  hooks.ReceptionOff = [this] {
-    ++m_receptionOffs;
-    m_settings.receptionOn = false;
-  };
-  hooks.Compute = [this] {
-    ++m_computes;
-    m_pollingSeenInCompute = m_poll->isPolling();
-  };
-  hooks.HeightSample = [this](const QString& alt, const QString& unit, const QString& sats) {
-    m_heights << alt + u'|' + unit + u'|' + sats;
-  };
-  hooks.UnlockEntry = [this] { ++m_unlocks; };
-  m_poll = std::make_unique<GpsPoll>(view, hooks, m_clock);
-}
-
-void TestGpsPoll::cleanup() {
-  m_feeder.reset();
-  m_poll.reset();
-  m_pty.reset();
-  test::ClearPortDevices();
-}
-
 const char* const kHeight = "GPS - Antennenhöhe: 545,4 m ü. NN (8)";
 const char* const kCourse = "GPS - Geschwindigkeit: 22,4 Kn  Kurs: 84,4 ° (Stand: 12:35:19)";
 const struct GoodData {
@@ -135,7 +38,7 @@ const struct GoodData {
   QByteArray stream;
   bool gradDezimal;
   const char* fremdLoc;
-  const char* fields;  // MyLg|MyBr|FremdLoc|FremdLg|FremdBr
+  const char* fields;  // MyLg|MyBr|FremdLoc|FremdLg|FremdBr after the poll
   const char* info;
   const char* panel2;
   const char* kurs;
@@ -157,143 +60,222 @@ const struct GoodData {
      "12.0|M|4"},
 };
 
-void TestGpsPoll::goodData_data() {
-  QTest::addColumn<int>("i");
-  for (int i = 0; i < int(std::size(kGoodData)); ++i) QTest::newRow(kGoodData[i].name) << i;
-}
+}  // namespace
 
-void TestGpsPoll::goodData() {
-  QFETCH(int, i);
-  const GoodData& c = kGoodData[i];
-  m_settings.gradDezimal = c.gradDezimal;
-  m_tbFremdLoc.setText(c.fremdLoc);
-  feed(c.stream);
-  MsgBoxRecorder boxes;
-  poll();
+class TestGpsPoll : public QObject {
+  Q_OBJECT
 
-  const QStringList fields = QString::fromUtf8(c.fields).split(u'|');
-  QCOMPARE(m_tbMyLg.text(), fields[0]);
-  QCOMPARE(m_tbMyBr.text(), fields[1]);
-  QCOMPARE(m_tbFremdLoc.text(), fields[2].isEmpty() ? QString(c.fremdLoc) : fields[2]);
-  QCOMPARE(m_tbFremdLg.text(), fields[3]);
-  QCOMPARE(m_tbFremdBr.text(), fields[4]);
-  QCOMPARE(m_lbInfo.text(), QString::fromUtf8(c.info));
-  QCOMPARE(m_panel2.text(), QString::fromUtf8(c.panel2));
-  QCOMPARE(m_lbKurs.text(), QString::fromUtf8(c.kurs));
-  QCOMPARE(m_computes, c.computes);
-  QCOMPARE(m_unlocks, 1);
-  QCOMPARE(boxes.count(), 0);
-  QCOMPARE(m_poll->GpsTries(), std::int16_t(0));
-  QVERIFY(m_poll->dataSeen());
-  QVERIFY(!m_comm.portOpen());
-  QVERIFY(!m_poll->isPolling());
-  if (c.computes > 0) QVERIFY(m_pollingSeenInCompute);
-  QCOMPARE(m_clock.sets().size(), 0);  // GpsZeit is off
-  QCOMPARE(m_heights.join(u';'), QString::fromUtf8(c.heights));
-}
-
-void TestGpsPoll::threeFailedTriesFromStart() {
-  MsgBoxRecorder boxes;
-  m_tbMyLg.setText(QStringLiteral("typed"));
-  for (int tryNo = 1; tryNo <= 2; ++tryNo) {
-    // Two hourglasses stacked by locks in a row: the poll removes both.
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    poll();
-    QVERIFY(!QApplication::overrideCursor());
-    QCOMPARE(m_lbInfo.text(),
-             QStringLiteral("%1. Versuch/3 : Zur Zeit kein GPS-Empfang").arg(tryNo));
-    QCOMPARE(boxes.count(), 0);
-    QVERIFY(m_timer.isActive());
+ private slots:
+  void initTestCase() {
+    qputenv("XDG_CONFIG_HOME", m_config.path().toLocal8Bit());
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
   }
-  poll();
-  QCOMPARE(m_lbInfo.text(), QString());
-  QCOMPARE(m_receptionOffs, 1);
-  QVERIFY(!m_timer.isActive());
-  QCOMPARE(boxes.count(), 1);
-  QCOMPARE(boxes.last().prompt, QStringLiteral("GPS-Datenübertragungsfehler:\nZur Zeit kein "
-                                               "GPS-Empfang\nGPS-Empfang wurde deaktiviert !"));
-  QCOMPARE(boxes.last().style, 48);
-  QCOMPARE(boxes.last().title, QStringLiteral(" Fehler"));
-  QVERIFY(!m_poll->dataSeen());
-  QVERIFY(!m_comm.portOpen());
-  QCOMPARE(m_unlocks, 3);
-  // A failed poll leaves the fields and the course line alone.
-  QCOMPARE(m_tbMyLg.text(), QStringLiteral("typed"));
-  QCOMPARE(m_lbKurs.text(), QStringLiteral("old course"));
 
-  // Switched on again with the count still at 3: the first failure is the 4th of 3 and
-  // ends reception at once.
-  m_settings.receptionOn = true;
-  m_timer.start();
-  poll();
-  QCOMPARE(m_poll->GpsTries(), std::int16_t(4));
-  QCOMPARE(boxes.count(), 2);
-  QCOMPARE(m_receptionOffs, 2);
-  QVERIFY(!m_timer.isActive());
-}
-
-void TestGpsPoll::sixFailedTriesAfterData() {
-  MsgBoxRecorder boxes;
-  feed(kGga + kGsa + kGsv + kGsv);
-  poll();
-  QVERIFY(m_poll->dataSeen());
-  m_feeder.reset();
-  for (int tryNo = 1; tryNo <= 5; ++tryNo) {
-    poll();
-    QCOMPARE(m_lbInfo.text(),
-             QStringLiteral("%1. Versuch/6 : Zur Zeit kein GPS-Empfang").arg(tryNo));
-  }
-  QCOMPARE(boxes.count(), 0);
-  poll();
-  QCOMPARE(boxes.count(), 1);
-  QCOMPARE(m_receptionOffs, 1);
-  QVERIFY(!m_poll->dataSeen());
-  // The last fix stays in the fields.
-  QCOMPARE(m_tbMyBr.text(), QStringLiteral(" 48° 07' 2,28\""));
-}
-
-// The system may refuse the new time: lbInfo says so, once per run; the panel is written all
-// the same.
-void TestGpsPoll::clockSetOnlyThroughTheClockGiven() {
-  const QString refused = QStringLiteral(
-      "Uhr nicht nach GPS gestellt: keine Berechtigung zum Stellen der Systemuhr (Hilfe: "
-      "Uhrzeit mit gpsd und chrony)");
-  const struct {
-    bool refuse;
-    QString info;
-  } cases[] = {
-      {false, QString::fromUtf8(kHeight)}, {true, refused}, {true, QString::fromUtf8(kHeight)}};
-  for (const auto& c : cases) {
+  void init() {
+    test::SetNoPortDevices();
+    m_pty = std::make_unique<test::Pty>();
+    QVERIFY(m_pty->ok());
+    test::SetPortDevice(1, m_pty->path());
+    m_settings = GpsPollSettings{};
+    m_settings.comPort = QStringLiteral("Com1");
+    m_settings.receptionOn = true;
+    m_w = std::make_unique<Window>();
+    m_w->lbKurs.setText(QStringLiteral("old course"));
+    m_w->timer.setInterval(30000);
+    m_w->timer.start();
     m_clock.set(QDateTime(QDate(2026, 11, 18), QTime(14, 22, 10)));
-    m_clock.refuse(c.refuse);
-    m_settings.gpsZeit = true;
-    feed(kGga + kGsa + kGsv + kGsv);
+    Window& w = *m_w;
+    GpsPollView view{&w.lbInfo,    &w.lbKurs,    &w.tbMyLoc, &w.tbMyLg, &w.tbMyBr, &w.tbFremdLoc,
+                     &w.tbFremdLg, &w.tbFremdBr, &w.panel2,  &w.timer,  &w.comm};
+    GpsPollHooks hooks;
+    hooks.Settings = [this] { return m_settings; };
+    hooks.ReceptionOff = [this] {
+      ++m_w->receptionOffs;
+      m_settings.receptionOn = false;
+    };
+    hooks.Compute = [this] {
+      ++m_w->computes;
+      m_w->pollingSeenInCompute = m_poll->isPolling();
+    };
+    hooks.HeightSample = [this](const QString& alt, const QString& unit, const QString& sats) {
+      m_w->heights << alt + u'|' + unit + u'|' + sats;
+    };
+    hooks.UnlockEntry = [this] { ++m_w->unlocks; };
+    m_poll = std::make_unique<GpsPoll>(view, hooks, m_clock);
+  }
+
+  void cleanup() {
+    m_feeder.reset();
+    m_poll.reset();
+    m_w.reset();
+    m_pty.reset();
+    test::ClearPortDevices();
+  }
+
+  void goodData_data() {
+    QTest::addColumn<int>("i");
+    for (int i = 0; i < int(std::size(kGoodData)); ++i) QTest::newRow(kGoodData[i].name) << i;
+  }
+
+  void goodData() {
+    QFETCH(int, i);
+    const GoodData& c = kGoodData[i];
+    m_settings.gradDezimal = c.gradDezimal;
+    m_w->tbFremdLoc.setText(c.fremdLoc);
+    feed(c.stream);
     MsgBoxRecorder boxes;
     poll();
-    QCOMPARE(m_clock.sets().last(), QTime(14, 35, 19));
-    QCOMPARE(m_clock.time(), c.refuse ? QTime(14, 22, 10) : QTime(14, 35, 19));
-    QCOMPARE(m_panel2.text(), QStringLiteral("12:35:19"));
-    QCOMPARE(m_lbInfo.text(), c.info);
-    QCOMPARE(boxes.count(), 0);
-    m_feeder.reset();
-  }
-}
 
-void TestGpsPoll::cancelEndsThePollQuietly() {
-  bool thenCalled = false;
-  m_poll->poll(1, QStringLiteral("4800,N,8,1"), [&] { thenCalled = true; });
-  QVERIFY(m_poll->isPolling());
-  QVERIFY(m_comm.portOpen());
-  m_poll->cancel();
-  QVERIFY(!m_poll->isPolling());
-  QVERIFY(!m_comm.portOpen());
-  QCOMPARE(m_unlocks, 1);
-  QCOMPARE(m_poll->GpsTries(), std::int16_t(0));
-  QTest::qWait(50);
-  QVERIFY(!thenCalled);
-  QCOMPARE(m_lbInfo.text(), QString());
-}
+    const QStringList fields{m_w->tbMyLg.text(), m_w->tbMyBr.text(), m_w->tbFremdLoc.text(),
+                             m_w->tbFremdLg.text(), m_w->tbFremdBr.text()};
+    QCOMPARE(fields.join(u'|'), QString::fromUtf8(c.fields));
+    QCOMPARE(m_w->lbInfo.text(), QString::fromUtf8(c.info));
+    QCOMPARE(m_w->panel2.text(), QString::fromUtf8(c.panel2));
+    QCOMPARE(m_w->lbKurs.text(), QString::fromUtf8(c.kurs));
+    QCOMPARE(m_w->computes, c.computes);
+    QCOMPARE(m_w->unlocks, 1);
+    QCOMPARE(boxes.count(), 0);
+    QVERIFY(!m_w->comm.portOpen());
+    if (c.computes > 0) QVERIFY(m_w->pollingSeenInCompute);
+    QCOMPARE(m_clock.sets().size(), 0);  // GpsZeit is off
+    QCOMPARE(m_w->heights.join(u';'), QString::fromUtf8(c.heights));
+  }
+
+  // Three tries without data, six once data has come, counted afresh from the data; the
+  // last one switches reception off.
+  void failedTries_data() {
+    QTest::addColumn<bool>("dataFirst");
+    QTest::addColumn<int>("tries");
+    QTest::addColumn<QString>("myBr");  // the field stays as it was
+    QTest::newRow("from the start") << false << 3 << QStringLiteral("typed");
+    QTest::newRow("after data") << true << 6 << QStringLiteral(" 48° 07' 2,28\"");
+  }
+
+  void failedTries() {
+    QFETCH(bool, dataFirst);
+    QFETCH(int, tries);
+    QFETCH(QString, myBr);
+    MsgBoxRecorder boxes;
+    m_w->tbMyBr.setText(QStringLiteral("typed"));
+    if (dataFirst) {
+      // A failure before the data: the data starts the count afresh.
+      poll();
+      QCOMPARE(m_w->lbInfo.text(), QStringLiteral("1. Versuch/3 : Zur Zeit kein GPS-Empfang"));
+      feed(kGga + kGsa + kGsv + kGsv);
+      poll();
+      QVERIFY(m_poll->dataSeen());
+      m_feeder.reset();
+    }
+    for (int tryNo = 1; tryNo < tries; ++tryNo) {
+      // Two hourglasses stacked by locks in a row: the poll removes both.
+      QApplication::setOverrideCursor(Qt::WaitCursor);
+      QApplication::setOverrideCursor(Qt::WaitCursor);
+      poll();
+      QVERIFY(!QApplication::overrideCursor());
+      QCOMPARE(m_w->lbInfo.text(),
+               QStringLiteral("%1. Versuch/%2 : Zur Zeit kein GPS-Empfang").arg(tryNo).arg(tries));
+      QCOMPARE(boxes.count(), 0);
+      QVERIFY(m_w->timer.isActive());
+    }
+    poll();
+    QCOMPARE(m_w->lbInfo.text(), QString());
+    QCOMPARE(m_w->receptionOffs, 1);
+    QVERIFY(!m_w->timer.isActive());
+    QCOMPARE(boxes.count(), 1);
+    QCOMPARE(boxes.last().prompt, QStringLiteral("GPS-Datenübertragungsfehler:\nZur Zeit kein "
+                                                 "GPS-Empfang\nGPS-Empfang wurde deaktiviert !"));
+    QCOMPARE(boxes.last().style, 48);
+    QCOMPARE(boxes.last().title, QStringLiteral(" Fehler"));
+    QVERIFY(!m_poll->dataSeen());
+    // A failed poll leaves the fields and the course line alone.
+    QCOMPARE(m_w->tbMyBr.text(), myBr);
+    QCOMPARE(m_w->lbKurs.text(), QStringLiteral("old course"));
+
+    // Switched on again with the count not reset: the first failure is one too many and
+    // ends reception at once.
+    m_settings.receptionOn = true;
+    m_w->timer.start();
+    poll();
+    QCOMPARE(m_poll->GpsTries(), std::int16_t(tries + 1));
+    QCOMPARE(boxes.count(), 2);
+    QCOMPARE(m_w->receptionOffs, 2);
+    QVERIFY(!m_w->timer.isActive());
+  }
+
+  // The system may refuse the new time: lbInfo says so, once per run; the panel is written all
+  // the same.
+  void clockSetOnlyThroughTheClockGiven() {
+    const QString refused = QStringLiteral(
+        "Uhr nicht nach GPS gestellt: keine Berechtigung zum Stellen der Systemuhr (Hilfe: "
+        "Uhrzeit mit gpsd und chrony)");
+    const struct {
+      bool refuse;
+      QString info;
+    } cases[] = {
+        {false, QString::fromUtf8(kHeight)}, {true, refused}, {true, QString::fromUtf8(kHeight)}};
+    for (const auto& c : cases) {
+      m_clock.set(QDateTime(QDate(2026, 11, 18), QTime(14, 22, 10)));
+      m_clock.refuse(c.refuse);
+      m_settings.gpsZeit = true;
+      feed(kGga + kGsa + kGsv + kGsv);
+      MsgBoxRecorder boxes;
+      poll();
+      QCOMPARE(m_clock.sets().last(), QTime(14, 35, 19));
+      QCOMPARE(m_clock.time(), c.refuse ? QTime(14, 22, 10) : QTime(14, 35, 19));
+      QCOMPARE(m_w->panel2.text(), QStringLiteral("12:35:19"));
+      QCOMPARE(m_w->lbInfo.text(), c.info);
+      QCOMPARE(boxes.count(), 0);
+      m_feeder.reset();
+    }
+  }
+
+  void cancelEndsThePollQuietly() {
+    bool thenCalled = false;
+    m_poll->poll(1, QStringLiteral("4800,N,8,1"), [&] { thenCalled = true; });
+    QVERIFY(m_poll->isPolling());
+    QVERIFY(m_w->comm.portOpen());
+    m_poll->cancel();
+    QVERIFY(!m_poll->isPolling());
+    QVERIFY(!m_w->comm.portOpen());
+    QCOMPARE(m_w->unlocks, 1);
+    QCOMPARE(m_poll->GpsTries(), std::int16_t(0));
+    QTest::qWait(50);
+    QVERIFY(!thenCalled);
+    QCOMPARE(m_w->lbInfo.text(), QString());
+  }
+
+ private:
+  // Starts a poll and lets the event loop run until it has ended.
+  void poll() {
+    m_poll->poll(1, QStringLiteral("4000000,N,8,1"));
+    QTRY_VERIFY_WITH_TIMEOUT(!m_poll->isPolling(), 5000);
+  }
+  void feed(const QByteArray& bytes) {
+    m_feeder =
+        std::make_unique<test::PtyFeeder>(*m_pty, std::vector<test::Piece>{{kOpenMs, bytes}});
+  }
+
+  // The controls and counters of one test, new for each.
+  struct Window {
+    QLabel lbInfo, lbKurs, panel2;
+    QLineEdit tbMyLoc, tbMyLg, tbMyBr, tbFremdLoc, tbFremdLg, tbFremdBr;
+    QTimer timer;
+    CommControl comm;
+    int receptionOffs = 0;
+    int computes = 0;
+    int unlocks = 0;
+    bool pollingSeenInCompute = false;
+    QStringList heights;
+  };
+
+  QTemporaryDir m_config;
+  std::unique_ptr<test::Pty> m_pty;
+  std::unique_ptr<test::PtyFeeder> m_feeder;
+  GpsPollSettings m_settings;
+  test::FakeClock m_clock;
+  std::unique_ptr<Window> m_w;
+  std::unique_ptr<GpsPoll> m_poll;
+};
 
 QTEST_MAIN(TestGpsPoll)
 #include "tst_GpsPoll.moc"
