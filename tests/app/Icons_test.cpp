@@ -14,17 +14,6 @@
 namespace marvento {
 namespace {
 
-QList<QSize> squares(std::span<const int> sizes) {
-  QList<QSize> list;
-  for (int size : sizes) list << QSize(size, size);
-  return list;
-}
-
-QList<QSize> sorted(QList<QSize> sizes) {
-  std::sort(sizes.begin(), sizes.end(), [](QSize a, QSize b) { return a.width() < b.width(); });
-  return sizes;
-}
-
 // Pixels that differ between the compiled-in image and a fresh painting, compared in the
 // premultiplied form both are drawn in.
 int differingPixels(const QImage& loaded, const QImage& painted) {
@@ -59,7 +48,11 @@ TEST(Icons, CompiledInImagesAreThePaintedOnes) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name.toStdString());
     ASSERT_FALSE(c.icon.isNull());
-    EXPECT_EQ(sorted(c.icon.availableSizes()), squares(c.sizes));
+    QList<QSize> have = c.icon.availableSizes();
+    std::sort(have.begin(), have.end(), [](QSize a, QSize b) { return a.width() < b.width(); });
+    QList<QSize> want;
+    for (int size : c.sizes) want << QSize(size, size);
+    EXPECT_EQ(have, want);
     for (int size : c.sizes) {
       const QImage painted = c.paint(size);
       EXPECT_EQ(differingPixels(c.icon.pixmap(QSize(size, size)).toImage(), painted), 0)
