@@ -1,5 +1,7 @@
 #pragma once
 
+#include "options/Preferences.h"
+
 #include <QString>
 
 #include <cstdint>
@@ -10,19 +12,10 @@ class frmMain;
 
 // The one global state record of the program. Field names are those used throughout;
 // Main() fills it from the settings store before the window is loaded.
-struct Module1 {
-  QString ComPort;
-  QString GpsStatus;    // "GPS an" or "GPS aus", compared as exact text
-  QString ComSettings;  // baud rate followed by ",N,8,1"
-  QString MyHomeLoc;
-  QString GpsdAddress;  // "host:port" of gpsd, used when ComPort is "gpsd"
+struct Module1 : BasicSettings {
+  QString GpsStatus;  // "GPS an" or "GPS aus", compared as exact text
   std::int16_t BusyPort = 0;
-  std::int32_t GpsIntervalSeconds = 0;
-  std::int16_t ComNumber = 0;
   bool ProtokollOn = false;
-  bool GradDezimal = false;
-  bool GpsZeit = false;
-  bool Loc10st = false;
 };
 
 inline const QString kGpsAn = QStringLiteral("GPS an");

@@ -652,16 +652,9 @@ void frmMain::mnuGrundeinstellungen_Click() {
 
 Preferences frmMain::preferences() const {
   Preferences p;
+  static_cast<BasicSettings&>(p) = m_state;
+  if (p.GpsdAddress.isEmpty()) p.GpsdAddress = kDefaultGpsdAddress;
   p.receptionOn = GpsOn(m_state);
-  p.GpsZeit = m_state.GpsZeit;
-  p.GradDezimal = m_state.GradDezimal;
-  p.Loc10st = m_state.Loc10st;
-  p.GpsIntervalSeconds = m_state.GpsIntervalSeconds;
-  p.ComPort = m_state.ComPort;
-  p.ComNumber = m_state.ComNumber;
-  p.ComSettings = m_state.ComSettings;
-  p.MyHomeLoc = m_state.MyHomeLoc;
-  p.GpsdAddress = m_state.GpsdAddress.isEmpty() ? kDefaultGpsdAddress : m_state.GpsdAddress;
   for (std::size_t i = 0; i < p.stations.size(); ++i) {
     p.stations[i] = LoadStationAddress(static_cast<StationProgram>(i));
   }
@@ -671,15 +664,7 @@ Preferences frmMain::preferences() const {
 void frmMain::applyPreferences(const Preferences& p) {
   // The next computation rebuilds the coordinates from the locators in the new form.
   const bool newForm = p.GradDezimal != m_state.GradDezimal || p.Loc10st != m_state.Loc10st;
-  m_state.ComPort = p.ComPort;
-  m_state.ComNumber = p.ComNumber;
-  m_state.ComSettings = p.ComSettings;
-  m_state.GpsIntervalSeconds = p.GpsIntervalSeconds;
-  m_state.MyHomeLoc = p.MyHomeLoc;
-  m_state.GpsdAddress = p.GpsdAddress;
-  m_state.GradDezimal = p.GradDezimal;
-  m_state.GpsZeit = p.GpsZeit;
-  m_state.Loc10st = p.Loc10st;
+  static_cast<BasicSettings&>(m_state) = p;
   SetGpsOn(m_state, p.receptionOn);
 
   Timer1->setInterval(p.GpsIntervalSeconds * 1000);

@@ -10,10 +10,9 @@
 
 namespace marvento {
 
-// The settings that the dialog "Grundeinstellungen" shows and returns; the window applies
-// them. Field names as in the state record.
-struct Preferences {
-  bool receptionOn = false;  // "GPS an"
+// The settings of "Grundeinstellungen" that the window also keeps in its state record, under
+// the same names.
+struct BasicSettings {
   bool GpsZeit = false;
   bool GradDezimal = false;
   bool Loc10st = false;
@@ -22,7 +21,12 @@ struct Preferences {
   std::int16_t ComNumber = 1;
   QString ComSettings = QStringLiteral("4800,N,8,1");
   QString MyHomeLoc;
-  QString GpsdAddress = kDefaultGpsdAddress;
+  QString GpsdAddress = kDefaultGpsdAddress;  // used when ComPort is "gpsd"
+};
+
+// All that the dialog "Grundeinstellungen" shows and returns; the window applies it.
+struct Preferences : BasicSettings {
+  bool receptionOn = false;                  // "GPS an"
   std::array<StationAddress, 3> stations{};  // in StationProgram order; Off when not used
 };
 
