@@ -133,6 +133,23 @@ class TestGpsLog : public QObject {
     QCOMPARE(m_lbInfo.text(), QString());
   }
 
+  // A folder the user may not write into. Root may write anywhere, so the child gives root
+  // up first.
+  void missingPermissionIsNamed() {
+    QVERIFY(QFile(m_dir->path()).setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+    const pid_t child = ::fork();
+    QVERIFY(child >= 0);
+    if (child == 0) {
+      if (::geteuid() == 0 && ::setuid(65534) != 0) ::_exit(2);
+      const auto error = AppendToFile(GpsLog::kFileName, QStringLiteral("x"));
+      ::_exit(error && error->startsWith(QStringLiteral("keine Schreibberechtigung")) ? 0 : 1);
+    }
+    int status = 0;
+    QCOMPARE(::waitpid(child, &status, 0), child);
+    QVERIFY(WIFEXITED(status));
+    QCOMPARE(WEXITSTATUS(status), 0);
+  }
+
   // Regression: a full disk left half a line, to which the next line was glued.
   void lineCutByTheSizeLimitIsTakenBack() {
     const QByteArray old = "18.11.2026    12:35:19      JO31AB\r\n";
