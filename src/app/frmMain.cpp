@@ -5,6 +5,7 @@
 #include "app/InstanceGuard.h"
 #include "app/SettingsStore.h"
 #include "distance/ComputeCommand.h"
+#include "distance/GreatCircle.h"
 #include "distance/ReverseBearing.h"
 #include "gps/EntryLock.h"
 #include "gps/GpsExchange.h"
@@ -137,8 +138,10 @@ frmMain::frmMain(Module1& state, QWidget* parent)
   hooks.ReceptionOff = [this] {
     SetGpsOn(m_state, false);
     Panel1->setText(statusText());
+    emit receptionOff();
   };
   hooks.Compute = [this] { fixComputed(); };
+  hooks.FixTaken = [this](const GpsFix& fix) { emit fixTaken(fix); };
   hooks.HeightSample = [this](const QString& alt, const QString& unit, const QString& sats) {
     HeightSample(alt, unit, sats);
   };
@@ -588,6 +591,7 @@ void frmMain::mnuNeu_Click() {
   } else if (GpsOff(m_state)) {
     tbMyLoc->setText(m_state.MyHomeLoc);
   }
+  if (m_sub->compute) emit computed(stationPair());
 }
 
 void frmMain::mnuRechnen_Click() {
@@ -598,6 +602,7 @@ void frmMain::mnuRechnen_Click() {
 void frmMain::mnuGegenRichtung_Click() {
   m_reverseShown = ReverseBearingPrompt(lblRichtung->text()).has_value();
   marvento::mnuGegenRichtung_Click(lblRichtung);
+  emit computed(stationPair());
 }
 
 void frmMain::mnuRotor_Click() {
@@ -773,6 +778,23 @@ void frmMain::runCompute() {
   m_sub->compute->Compute();
   // The links send only a valid locator, and only when it has changed.
   m_sub->links->ownLocator(tbMyLoc->text());
+  emit computed(stationPair());
+}
+
+StationPair frmMain::stationPair() const {
+  StationPair pair;
+  const ComputeMemory& m = m_sub->compute->memory();
+  if (m.MyBr && m.MyLg) pair.own = GeoPoint{*m.MyBr, *m.MyLg};
+  if (m.FremdBr && m.FremdLg) pair.remote = GeoPoint{*m.FremdBr, *m.FremdLg};
+  pair.ownLocator = tbMyLoc->text();
+  pair.remoteLocator = tbFremdLoc->text();
+  const Checked radius = RadiusKm(Combo1->currentText());
+  if (radius.error == 0 && std::isfinite(radius.value) && radius.value > 0) {
+    pair.radiusKm = radius.value;
+  }
+  pair.solved = !lblEntfernung->text().trimmed().isEmpty();
+  pair.reverse = m_reverseShown;
+  return pair;
 }
 
 void frmMain::fixComputed() {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "app/Module1.h"
+#include "distance/StationPair.h"
+#include "gps/GpsFix.h"
 
 #include <QMainWindow>
 
@@ -130,6 +132,19 @@ class frmMain : public QMainWindow {
 
   // The process end of the second-instance guard; tests replace it.
   static std::function<void()>& exitProcess();
+
+  // The stations as the last computation left them.
+  StationPair stationPair() const;
+
+ signals:
+  // What the window reports to the windows and links that follow it. Each capability
+  // listens through an object of its own instead of reaching into the window.
+  // A computation ran (also a refused one), New cleared the fields, or F3 turned the bearing.
+  void computed(const marvento::StationPair& pair);
+  // A fix from the receiver was taken into the own position and computed with.
+  void fixTaken(const marvento::GpsFix& fix);
+  // Reception was given up after too many failed tries.
+  void receptionOff();
 
  protected:
   void closeEvent(QCloseEvent* event) override;

@@ -162,6 +162,9 @@ void GpsPoll::data(const QString& sentence, const QString& rawBuffer, QString& k
       if (m_view.tbFremdBr) m_view.tbFremdBr->setText(p.br);
     }
     if (m_hooks.Compute) m_hooks.Compute();
+    if (m_hooks.FixTaken) {
+      if (const std::optional<GpsFix> fix = d.fix()) m_hooks.FixTaken(*fix);
+    }
   }
   kursText = d.kursText;
 }

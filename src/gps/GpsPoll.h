@@ -16,6 +16,7 @@ class Clock;
 class CommControl;
 class GpsExchange;
 struct ExchangeResult;
+struct GpsFix;
 
 // The controls of frmMain that a poll reads or writes. panel2 is the second panel of
 // sbStatusBar.
@@ -48,6 +49,8 @@ struct GpsPollSettings {
 struct GpsPollHooks {
   std::function<GpsPollSettings()> Settings;
   std::function<void()> Compute;
+  // A good position was taken into the own fields and computed with.
+  std::function<void(const GpsFix&)> FixTaken;
   // A height sample from a GGA sentence with a fix: height and unit fields as they stand,
   // satellite count in "#0".
   std::function<void(const QString& alt, const QString& unit, const QString& sats)> HeightSample;

@@ -1,5 +1,6 @@
 #include "gps/SentenceDecoding.h"
 
+#include "gps/GpsTime.h"
 #include "platform/Format.h"
 #include "platform/Numbers.h"
 
@@ -19,6 +20,14 @@ QString speedAndCourse(const RmcSentence& rmc) {
   if (speedKn == 0.0f) return QStringLiteral(" ");
   return QStringLiteral("GPS - Geschwindigkeit: ") + speedText + QStringLiteral(" Kn  Kurs: ") +
          courseText + QStringLiteral(" °");
+}
+
+// Speed and course as numbers, for the windows that follow the position.
+void speedAndCourseValues(const RmcSentence& rmc, DecodedSentence& d) {
+  if (!rmc.speed.trimmed().isEmpty()) d.speedKnots = Val(ToDotDecimal(rmc.speed));
+  if (rmc.course && !rmc.course->trimmed().isEmpty()) {
+    d.courseDegrees = Val(ToDotDecimal(*rmc.course));
+  }
 }
 
 // Good is strictly inside (1E-07, 180) and (1E-07, 90) on the magnitudes; a NaN is bad too.
@@ -67,6 +76,9 @@ std::optional<PositionFields> typeSteps(const GgaSentence& gga, DecodedSentence&
   d.heightSample = HeightSampleTexts{gga.alt, gga.altUnit, sats};
   const QString altText = Format(Val(gga.alt)) + u' ' + gga.altUnit.toLower();
   d.info = HeightLine(altText, sats);
+  if (gga.altUnit.compare(u"M", Qt::CaseInsensitive) == 0 && !gga.alt.trimmed().isEmpty()) {
+    d.heightMetres = Val(gga.alt);
+  }
   return PositionFields{gga.lat, gga.ns, gga.lon, gga.ew};
 }
 
@@ -74,6 +86,7 @@ std::optional<PositionFields> typeSteps(const RmcSentence& rmc, DecodedSentence&
   if (!RmcValid(rmc)) return std::nullopt;
   d.utcText = rmc.utc;
   d.kursText = speedAndCourse(rmc);
+  speedAndCourseValues(rmc, d);
   return PositionFields{rmc.lat, rmc.ns, rmc.lon, rmc.ew};
 }
 
@@ -113,6 +126,7 @@ DecodedSentence DecodeSentence(const QString& sentence, const QString& rawBuffer
   if (d.kind != SentenceKind::Rmc && !d.rmcLine.isEmpty()) {
     const RmcSentence rmc = ParseRmc(NmeaFields(d.rmcLine));
     d.kursText = RmcValid(rmc) ? speedAndCourse(rmc) : QString();
+    if (RmcValid(rmc)) speedAndCourseValues(rmc, d);
   }
   return d;
 }
@@ -136,6 +150,23 @@ QString DecodedSentence::brText(bool gradDezimal) const {
   if (gradDezimal) return latSign + Format(lat.deg);
   return latSign + lat.degText + QStringLiteral("° ") + lat.minText + QStringLiteral("' ") +
          lat.secText + u'"';
+}
+
+std::optional<GpsFix> DecodedSentence::fix() const {
+  if (!timeAndPosition || !positionGood) return std::nullopt;
+  GpsFix f;
+  f.position.lat = latSign == u"-" ? -lat.deg : lat.deg;
+  f.position.lon = lonSign == u"-" ? -lon.deg : lon.deg;
+  if (hasTime()) {
+    const UtcTimeParts parts = SplitUtc(utcText);
+    const QTime t(static_cast<int>(Val(parts.hourText)), static_cast<int>(Val(parts.minText)),
+                  static_cast<int>(std::floor(Val(ToDotDecimal(parts.secRaw)))));
+    if (t.isValid()) f.utc = t;
+  }
+  f.speedKnots = speedKnots;
+  f.courseDegrees = courseDegrees;
+  f.heightMetres = heightMetres;
+  return f;
 }
 
 Placeholders RemotePlaceholders(bool gradDezimal) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "gps/GpsFix.h"
 #include "gps/NmeaSentences.h"
 
 #include <QString>
@@ -37,6 +38,10 @@ struct DecodedSentence {
   // Empty: lbKurs stays; one blank: lbKurs is cleared; else the course line without time.
   QString kursText;
   QString rmcLine;
+  // Speed and course of the RMC sentence in force, the height of a GGA fix in metres.
+  std::optional<double> speedKnots;
+  std::optional<double> courseDegrees;
+  std::optional<double> heightMetres;
 
   // Whether the time step runs: a non-empty, numeric UTC field behind a passed test.
   bool hasTime() const;
@@ -46,6 +51,9 @@ struct DecodedSentence {
   // sign, degrees "° ", minutes "' ", seconds and a double quote.
   QString lgText(bool gradDezimal) const;
   QString brText(bool gradDezimal) const;
+  // The fix this sentence gives the windows that follow the position; nothing without a
+  // good position.
+  std::optional<GpsFix> fix() const;
 };
 
 // Decodes the ruling sentence of a poll by its type, whatever its talker. `rawBuffer` is the

@@ -17,10 +17,13 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QScopeGuard>
+#include <QSignalSpy>
 #include <QStyle>
 #include <QStyleOptionFrame>
 #include <QTimer>
 #include <QtTest>
+
+#include <cmath>
 
 #include <functional>
 #include <optional>
@@ -330,6 +333,31 @@ class tst_frmMain : public QObject {
     QTest::keyClick(w, Qt::Key_F3);
     QCOMPARE(boxes.count(), 1);
     QCOMPARE(boxes.last().prompt, QStringLiteral("76,76 °"));
+  }
+
+  // The windows that follow the main window learn each computation, F3 and New from one signal.
+  void computationsAreReported() {
+    frmMain* w = start();
+    MsgBoxRecorder boxes;
+    QSignalSpy spy(w, &frmMain::computed);
+    w->tbMyLoc->setText(QStringLiteral("JO62QM"));
+    w->tbFremdLoc->setText(QStringLiteral("JN58TD"));
+    w->Compute();
+    QCOMPARE(spy.count(), 1);
+    auto pair = spy.last().at(0).value<StationPair>();
+    QVERIFY(pair.own && pair.remote && pair.solved && !pair.reverse);
+    // Square centres: JO62QM is 52.521 N 13.375 E, JN58TD 48.146 N 11.625 E.
+    QVERIFY(std::abs(pair.own->lat - 52.5208) < 1e-3 && std::abs(pair.own->lon - 13.375) < 1e-3);
+    QVERIFY(std::abs(pair.remote->lat - 48.1458) < 1e-3 &&
+            std::abs(pair.remote->lon - 11.625) < 1e-3);
+    QCOMPARE(pair.remoteLocator, QStringLiteral("JN58TD"));
+    QVERIFY(pair.radiusKm && *pair.radiusKm > 6000 && *pair.radiusKm < 6500);
+
+    w->mnuGegenRichtung_Click();
+    QVERIFY(spy.last().at(0).value<StationPair>().reverse);
+    w->mnuNeu_Click();
+    QVERIFY(!spy.last().at(0).value<StationPair>().solved);
+    QCOMPARE(boxes.count(), 1);  // F3's box, nothing else
   }
 
   // While a poll holds the fields, the tool bar and the timer do nothing; afterwards they work.
