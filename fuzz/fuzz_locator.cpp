@@ -58,9 +58,11 @@ void checkEncode(double lg, double br) {
   Check(lg >= d10.Lg - 1e-9 && lg < d10.Lg + kCellLg + 1e-9 && br >= d10.Br - 1e-9 &&
             br < d10.Br + kCellBr + 1e-9,
         "the point lies in its cell", where + u' ' + num(d10.Lg) + u' ' + num(d10.Br));
-  // The 6-character form first drops the position to hundredths of a degree.
-  Check(std::fabs(d6.Lg - lg) <= 1.0 / 24 + 0.01 + 1e-9 && std::fabs(d6.Br - br) <= 1.0 / 48 + 0.01 + 1e-9,
-        "the point lies near the centre of its subsquare", where);
+  // The 6-character form names the subsquare the point lies in, and the 10-character form
+  // a cell inside it.
+  Check(std::fabs(d6.Lg - lg) <= 1.0 / 24 + 1e-9 && std::fabs(d6.Br - br) <= 1.0 / 48 + 1e-9 &&
+            ten.startsWith(six),
+        "the point lies in its subsquare", where);
 }
 
 }  // namespace

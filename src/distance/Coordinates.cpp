@@ -3,6 +3,8 @@
 #include "platform/Format.h"
 #include "platform/Numbers.h"
 
+#include <QLocale>
+
 #include <algorithm>
 #include <cmath>
 
@@ -31,6 +33,18 @@ const AxisLimits& latitudeLimits() {
 
 constexpr double kSecondsLimit = 59.99999;
 
+// The seconds a field shows: a tenth of a millimetre on the ground is more than any position
+// needs, and the noise of a sum such as 13.4 (1,278977E-12) reads as the zero it is.
+QString secondsText(float seconds) {
+  return FormatDecimals(seconds, 4);
+}
+
+// A limit message in the decimal sign of the fields.
+QString localized(const QString& message) {
+  QString text = message;
+  return text.replace(u',', QLocale().decimalPoint());
+}
+
 const QString& formatHint() {
   static const QString hint = QStringLiteral(" ( wie x°x'x\" ) ");
   return hint;
@@ -48,14 +62,14 @@ AxisRead refuse(QString prompt) {
 
 AxisRead readDecimal(QStringView text, const AxisLimits& limits) {
   const double value = Val(ToDotDecimal(text.toString()));
-  if (!(std::fabs(value) < limits.degrees)) return refuse(limits.decimalMessage);
+  if (!(std::fabs(value) < limits.degrees)) return refuse(localized(limits.decimalMessage));
   return {true, value, {}};
 }
 
 AxisRead readDegrees(QStringView text, const AxisLimits& limits) {
   const QString echo = text.toString();
   const QString hint = echo + formatHint();
-  const QString overLimit = echo + limits.degreesMessage;
+  const QString overLimit = echo + localized(limits.degreesMessage);
 
   const qsizetype degreeMark = text.indexOf(u'°');
   if (degreeMark <= 0) return refuse(hint);
@@ -119,7 +133,7 @@ std::optional<DegreesMinutesSeconds> SplitDegrees(double a) {
                             static_cast<float>((fraction * 60 - *minutes) * 60)};
   // Seconds that the field would show as 60 carry too: "59' 60\"" is a text the coordinate
   // entry refuses, and the field must read back.
-  if (dms.seconds >= 60 || Format(dms.seconds) == u"60") {
+  if (dms.seconds >= 60 || secondsText(dms.seconds) == u"60") {
     ++dms.minutes;
     dms.seconds = std::max(dms.seconds - 60.0f, 0.0f);
   }
@@ -136,13 +150,13 @@ std::optional<QString> CoordinateText(double value, bool GradDezimal) {
   // The sign is written on its own so that -0.5 keeps it although its degrees are 0.
   const QString sign = value < 0 ? QStringLiteral("-") : QString();
   const double magnitude = value < 0 ? -value : value;
-  if (GradDezimal) return sign + Format(magnitude);
+  if (GradDezimal) return sign + FormatPlain(magnitude);
 
   const auto dms = SplitDegrees(magnitude);
   if (!dms) return std::nullopt;
   return sign + Str(static_cast<long long>(dms->degrees)) + QStringLiteral("°") +
-         Str(static_cast<long long>(dms->minutes)) + QStringLiteral("' ") + Format(dms->seconds) +
-         QStringLiteral("\"");
+         Str(static_cast<long long>(dms->minutes)) + QStringLiteral("' ") +
+         secondsText(dms->seconds) + QStringLiteral("\"");
 }
 
 }  // namespace marvento

@@ -28,8 +28,8 @@ CoordinateRead ParseCoordinates(QStringView CoordLg, QStringView CoordBr, bool G
 inline const QString kCoordinateTitle = QStringLiteral(" Falsche Gradeingabe !");
 
 // Whole degrees, whole minutes and seconds of a value of 0 or more. The seconds are kept in
-// single precision, which decides what the field shows; rounding them up to 60 carries into
-// the minutes, and 60 minutes into the degrees.
+// single precision; seconds that the field would show as 60 carry into the minutes, and 60
+// minutes into the degrees.
 struct DegreesMinutesSeconds {
   std::int16_t degrees = 0;
   std::int16_t minutes = 0;
@@ -39,8 +39,9 @@ struct DegreesMinutesSeconds {
 std::optional<DegreesMinutesSeconds> SplitDegrees(double a);
 
 // The text the program writes into a coordinate field for a value in decimal degrees:
-// "-" for a negative value, then the general form of the number (GradDezimal), or
-// Str(degrees) "°" Str(minutes) "' " seconds and the seconds mark. Nothing on overflow.
+// "-" for a negative value, then the general form of the number without the exponent form
+// (GradDezimal), or Str(degrees) "°" Str(minutes) "' " seconds with at most four decimals
+// and the seconds mark. Nothing on overflow.
 std::optional<QString> CoordinateText(double value, bool GradDezimal);
 
 }  // namespace marvento

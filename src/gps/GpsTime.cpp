@@ -4,24 +4,49 @@
 #include "platform/Format.h"
 #include "platform/Numbers.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstring>
 
 namespace marvento {
 
+namespace {
+
+// Digits only, at least one and at most `most`.
+bool digits(const QString& text, qsizetype most) {
+  return !text.isEmpty() && text.size() <= most &&
+         std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+}
+
+bool timeOfDay(const UtcTimeParts& parts) {
+  if (!digits(parts.hourText, 2) || !digits(parts.minText, 2)) return false;
+  const double hour = Val(parts.hourText);
+  const double minute = Val(parts.minText);
+  const double second = Val(parts.secRaw);
+  if (hour > 23 || minute > 59 || !(second >= 0)) return false;
+  const bool leapSecond = hour == 23 && minute == 59;
+  return second < (leapSecond ? 61 : 60);
+}
+
+}  // namespace
+
 UtcTimeParts SplitUtc(const QString& utcText) {
   UtcTimeParts parts;
   const qsizetype length = utcText.size();
-  // 1-based position of the first point, 0 without one.
-  const qsizetype dot = utcText.indexOf(u'.') + 1;
+  // 1-based position of the first point; a field without one ("123519") is read as if it
+  // ended in one, as receivers that send no fraction mean it.
+  qsizetype dot = utcText.indexOf(u'.') + 1;
+  if (dot == 0) dot = length + 1;
   const qsizetype secLength = length - dot + 3;
   parts.secRaw = secLength >= length ? utcText : utcText.right(secLength);
-  parts.secText = Format(Val(parts.secRaw), u"00");
+  // Whole seconds begun, as a clock shows them: 59.6 is still second 59, never a 60th.
+  parts.secText = Format(std::floor(Val(parts.secRaw)), u"00");
   // A start before the first character, or a negative length, is a skipped step.
   if (dot - 4 >= 1) parts.minText = utcText.mid(dot - 5, 2);
   if (dot - 5 >= 0) parts.hourText = utcText.left(dot - 5);
   parts.shown = parts.hourText + u':' + parts.minText + u':' + parts.secText;
+  parts.inRange = timeOfDay(parts);
   return parts;
 }
 

@@ -9,15 +9,17 @@ namespace marvento {
 
 class Clock;
 
-// The UTC field hhmmss.ss taken apart for the status panel. Without a point, or with one
-// too far left, minutes and hours stay empty: "123519" gives secRaw "123519" and shown
-// "::123519".
+// The UTC field hhmmss.ss taken apart for the status panel. A field without a fraction is
+// read as hhmmss. With a point too far left, minutes and hours stay empty, and the time is
+// not one of the day.
 struct UtcTimeParts {
   QString secRaw;    // two digits, the point and the fraction: "19.00"
-  QString secText;   // secRaw rounded to whole seconds, at least two digits: "19", "60"
+  QString secText;   // whole seconds begun, at least two digits: "19" for 19.60
   QString minText;   // "35"
   QString hourText;  // "12"
   QString shown;     // "12:35:19"
+  // Hours 0 to 23, minutes and seconds 0 to 59, and 60 only as the leap second after 23:59.
+  bool inRange = false;
 };
 UtcTimeParts SplitUtc(const QString& utcText);
 

@@ -4,6 +4,7 @@
 #include "platform/Format.h"
 #include "platform/Numbers.h"
 
+#include <algorithm>
 #include <cmath>
 #include <variant>
 
@@ -11,30 +12,74 @@ namespace marvento {
 
 namespace {
 
-// Speed over ground (field 7, knots) and course (field 8, degrees) of an RMC sentence.
+// What a receiver can really report; a value outside counts as if its field were empty.
+constexpr double kMostKnots = 1000;      // speed over ground, below this
+constexpr double kFullCircle = 360;      // course, from 0 to below this
+constexpr double kLowestMetres = -1000;  // antenna height, both ends included
+constexpr double kHighestMetres = 100000;
+constexpr double kMostSatellites = 99;
+constexpr double kMetresPerFoot = 0.3048;
+
+// Speed over ground of an RMC sentence (field 7, knots): nothing when empty or impossible.
+std::optional<double> speedOf(const RmcSentence& rmc) {
+  if (rmc.speed.trimmed().isEmpty()) return std::nullopt;
+  const double knots = Val(ToDotDecimal(rmc.speed));
+  if (!(knots >= 0 && knots < kMostKnots)) return std::nullopt;
+  return knots;
+}
+
+// Course over ground (field 8, degrees): nothing when missing, empty or impossible.
+std::optional<double> courseOf(const RmcSentence& rmc) {
+  if (!rmc.course || rmc.course->trimmed().isEmpty()) return std::nullopt;
+  const double degrees = Val(ToDotDecimal(*rmc.course));
+  if (!(degrees >= 0 && degrees < kFullCircle)) return std::nullopt;
+  return degrees;
+}
+
+// The course line of an RMC sentence. Without a speed the line is cleared, as for a
+// standing receiver; without a course it tells the speed alone.
 QString speedAndCourse(const RmcSentence& rmc) {
-  const float speedKn = static_cast<float>(Val(ToDotDecimal(rmc.speed)));
-  const QString speedText = Format(speedKn, u"###0.0##");
-  QString courseText;
-  if (rmc.course) courseText = Format(Val(ToDotDecimal(*rmc.course)), u"##0.0#");
+  const std::optional<double> knots = speedOf(rmc);
+  const float speedKn = static_cast<float>(knots.value_or(0));
   if (speedKn == 0.0f) return QStringLiteral(" ");
-  return QStringLiteral("GPS - Geschwindigkeit: ") + speedText + QStringLiteral(" Kn  Kurs: ") +
-         courseText + QStringLiteral(" °");
+  QString line = QStringLiteral("GPS - Geschwindigkeit: ") + Format(speedKn, u"###0.0##") +
+                 QStringLiteral(" Kn");
+  if (const std::optional<double> course = courseOf(rmc)) {
+    line += QStringLiteral("  Kurs: ") + Format(*course, u"##0.0#") + QStringLiteral(" °");
+  }
+  return line;
 }
 
 // Speed and course as numbers, for the windows that follow the position.
 void speedAndCourseValues(const RmcSentence& rmc, DecodedSentence& d) {
-  if (!rmc.speed.trimmed().isEmpty()) d.speedKnots = Val(ToDotDecimal(rmc.speed));
-  if (rmc.course && !rmc.course->trimmed().isEmpty()) {
-    d.courseDegrees = Val(ToDotDecimal(*rmc.course));
-  }
+  d.speedKnots = speedOf(rmc);
+  d.courseDegrees = courseOf(rmc);
 }
 
-// Good is strictly inside (1E-07, 180) and (1E-07, 90) on the magnitudes; a NaN is bad too.
-bool inRange(double lonDeg, double latDeg) {
-  const double lon = std::fabs(lonDeg);
-  const double lat = std::fabs(latDeg);
-  return lon > 1e-7 && lon < 180.0 && lat > 1e-7 && lat < 90.0;
+// The antenna height of a GGA sentence in metres: nothing when empty or impossible.
+std::optional<double> heightOf(const GgaSentence& gga) {
+  if (gga.alt.trimmed().isEmpty()) return std::nullopt;
+  const double value = Val(gga.alt);
+  const bool feet = gga.altUnit.compare(u"F", Qt::CaseInsensitive) == 0;
+  const double metres = feet ? value * kMetresPerFoot : value;
+  if (!(metres >= kLowestMetres && metres <= kHighestMetres)) return std::nullopt;
+  return metres;
+}
+
+// The satellite count: a whole number from 0 to 99; an empty field counts as 0.
+bool satellitesPossible(const QString& sats) {
+  const double count = Val(sats);
+  return count >= 0 && count <= kMostSatellites && count == std::floor(count);
+}
+
+// Good is strictly inside (1E-07, 180) and (1E-07, 90) on the magnitudes, with minutes below
+// 60; a NaN is bad too. The magnitude carries no sign of its own: a negative one is garbage.
+bool axisGood(const AxisParts& axis, double limit) {
+  return axis.deg > 1e-7 && axis.deg < limit && Val(axis.minText) < 60;
+}
+
+bool inRange(const AxisParts& lon, const AxisParts& lat) {
+  return axisGood(lon, 180.0) && axisGood(lat, 90.0);
 }
 
 QString formatSats(const QString& sats) {
@@ -62,10 +107,13 @@ struct PositionFields {
 // Each type's own steps. They fill in what the type yields and return its position fields
 // when decoding goes on to time and position.
 std::optional<PositionFields> typeSteps(const GgaSentence& gga, DecodedSentence& d) {
+  const bool satsKnown = satellitesPossible(gga.sats);
   const QString sats = formatSats(gga.sats);
   if (Val(gga.quality) <= 0) {
-    if (Val(sats) < 3) {
-      d.info = QStringLiteral("Zu geringe Anzahl an Satteliten! (") + sats + u')';
+    if (!satsKnown) {
+      d.info = QStringLiteral("Schlechter Empfang!");
+    } else if (Val(sats) < 3) {
+      d.info = QStringLiteral("Zu geringe Anzahl an Satelliten! (") + sats + u')';
     } else {
       // The field's own text, not the formatted count: "(07)".
       d.info = QStringLiteral("Schlechter Empfang! (") + gga.sats + u')';
@@ -73,12 +121,19 @@ std::optional<PositionFields> typeSteps(const GgaSentence& gga, DecodedSentence&
     return std::nullopt;
   }
   d.utcText = gga.utc;
-  d.heightSample = HeightSampleTexts{gga.alt, gga.altUnit, sats};
-  const QString altText = Format(Val(gga.alt)) + u' ' + gga.altUnit.toLower();
-  d.info = HeightLine(altText, sats);
-  if (gga.altUnit.compare(u"M", Qt::CaseInsensitive) == 0 && !gga.alt.trimmed().isEmpty()) {
-    d.heightMetres = Val(gga.alt);
+  d.heightMetres = heightOf(gga);
+  // A height or count that no receiver can report is neither shown nor averaged.
+  if (d.heightMetres && satsKnown) d.heightSample = HeightSampleTexts{gga.alt, gga.altUnit, sats};
+  if (d.heightMetres) {
+    const QString altText = Format(Val(gga.alt)) + u' ' + gga.altUnit.toLower();
+    d.info = satsKnown
+                 ? HeightLine(altText, sats)
+                 : QStringLiteral("GPS - Antennenhöhe: ") + altText + QStringLiteral(" ü. NN");
+  } else {
+    d.info = QString();
   }
+  // The windows that follow the position take metres only.
+  if (gga.altUnit.compare(u"M", Qt::CaseInsensitive) != 0) d.heightMetres.reset();
   return PositionFields{gga.lat, gga.ns, gga.lon, gga.ew};
 }
 
@@ -121,7 +176,15 @@ DecodedSentence DecodeSentence(const QString& sentence, const QString& rawBuffer
   d.latSign = position->ns == u"N" ? QStringLiteral(" ") : QStringLiteral("-");
   d.lon = DecodeLongitude(position->lon);
   d.lonSign = position->ew == u"E" ? QStringLiteral(" ") : QStringLiteral("-");
-  d.positionGood = inRange(d.lon.deg, d.lat.deg);
+  d.positionGood = inRange(d.lon, d.lat);
+  if (!d.positionGood) {
+    // A sentence whose position cannot be true is not trusted for its speed and course
+    // either: the course line keeps its last value and time.
+    d.kursText.clear();
+    d.speedKnots.reset();
+    d.courseDegrees.reset();
+    return d;
+  }
 
   if (d.kind != SentenceKind::Rmc && !d.rmcLine.isEmpty()) {
     const RmcSentence rmc = ParseRmc(NmeaFields(d.rmcLine));
@@ -132,7 +195,8 @@ DecodedSentence DecodeSentence(const QString& sentence, const QString& rawBuffer
 }
 
 bool DecodedSentence::hasTime() const {
-  return timeAndPosition && !utcText.isEmpty() && IsNumeric(utcText);
+  return timeAndPosition && positionGood && !utcText.isEmpty() && IsNumeric(utcText) &&
+         SplitUtc(utcText).inRange;
 }
 
 std::optional<QString> DecodedSentence::finalInfo() const {
@@ -141,13 +205,13 @@ std::optional<QString> DecodedSentence::finalInfo() const {
 }
 
 QString DecodedSentence::lgText(bool gradDezimal) const {
-  if (gradDezimal) return lonSign + Format(lon.deg);
+  if (gradDezimal) return lonSign + FormatPlain(lon.deg);
   return lonSign + lon.degText + QStringLiteral("° ") + lon.minText + QStringLiteral("' ") +
          lon.secText + u'"';
 }
 
 QString DecodedSentence::brText(bool gradDezimal) const {
-  if (gradDezimal) return latSign + Format(lat.deg);
+  if (gradDezimal) return latSign + FormatPlain(lat.deg);
   return latSign + lat.degText + QStringLiteral("° ") + lat.minText + QStringLiteral("' ") +
          lat.secText + u'"';
 }
@@ -159,8 +223,10 @@ std::optional<GpsFix> DecodedSentence::fix() const {
   f.position.lon = lonSign == u"-" ? -lon.deg : lon.deg;
   if (hasTime()) {
     const UtcTimeParts parts = SplitUtc(utcText);
+    // A time of day has no 60th second: the leap second counts as the one before it.
+    const int second = std::min(59, static_cast<int>(std::floor(Val(ToDotDecimal(parts.secRaw)))));
     const QTime t(static_cast<int>(Val(parts.hourText)), static_cast<int>(Val(parts.minText)),
-                  static_cast<int>(std::floor(Val(ToDotDecimal(parts.secRaw)))));
+                  second);
     if (t.isValid()) f.utc = t;
   }
   f.speedKnots = speedKnots;
@@ -170,11 +236,10 @@ std::optional<GpsFix> DecodedSentence::fix() const {
 }
 
 Placeholders RemotePlaceholders(bool gradDezimal) {
-  if (gradDezimal) {
-    return {QStringLiteral("AA00AA"), QStringLiteral("-179,999999"), QStringLiteral("-89,999999")};
-  }
-  return {QStringLiteral("AA00AA"), QStringLiteral("-179° 59' 59,999\""),
-          QStringLiteral("-89° 59' 59,999\"")};
+  if (gradDezimal) return {QStringLiteral("AA00AA"), Format(-179.999999), Format(-89.999999)};
+  const QString seconds = Format(59.999, u"#0.0##") + u'"';
+  return {QStringLiteral("AA00AA"), QStringLiteral("-179° 59' ") + seconds,
+          QStringLiteral("-89° 59' ") + seconds};
 }
 
 QString HeightLine(const QString& altText, const QString& satText) {

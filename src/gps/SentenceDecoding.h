@@ -10,7 +10,7 @@
 namespace marvento {
 
 inline const QString kBadPositionText =
-    QStringLiteral("Schlechter Empfang oder zu geringe Anzahl an Satteliten !");
+    QStringLiteral("Schlechter Empfang oder zu geringe Anzahl an Satelliten !");
 
 // What the height table is given for a GGA sentence with a fix: the height and unit fields
 // as they stand, the satellite count in "#0".
@@ -38,12 +38,15 @@ struct DecodedSentence {
   // Empty: lbKurs stays; one blank: lbKurs is cleared; else the course line without time.
   QString kursText;
   QString rmcLine;
-  // Speed and course of the RMC sentence in force, the height of a GGA fix in metres.
+  // Speed and course of the RMC sentence in force, the height of a GGA fix in metres; unset
+  // when the receiver sent none or one it cannot really have measured (speed 0 to below
+  // 1000 kn, course 0 to below 360°, height -1000 to 100000 m).
   std::optional<double> speedKnots;
   std::optional<double> courseDegrees;
   std::optional<double> heightMetres;
 
-  // Whether the time step runs: a non-empty, numeric UTC field behind a passed test.
+  // Whether the time step runs: a UTC field that is a time of day, in a sentence whose
+  // position is good.
   bool hasTime() const;
   // lbInfo once decoding is over: the range message replaces what the type wrote.
   std::optional<QString> finalInfo() const;
@@ -66,7 +69,7 @@ DecodedSentence DecodeSentence(const QString& sentence, const QString& rawBuffer
 QString FindRmcLine(const QString& rawBuffer);
 
 // The dummy remote station written when tbFremdLoc is empty: the south-west corner of the
-// grid. The comma is fixed text whatever the decimal sign.
+// grid, in the decimal sign of the locale like every coordinate the program writes.
 struct Placeholders {
   QString loc;
   QString lg;

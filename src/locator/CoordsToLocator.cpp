@@ -29,44 +29,7 @@ double clampShifted(double shifted, double zero, double edge) {
   return std::clamp(shifted, 0.0, std::nextafter(edge, 0.0));
 }
 
-// Hundredths of a degree, truncated toward zero and held in a 32-bit float. Outside the
-// grid the value is held at its lowest or highest hundredth before the float conversion
-// (a double beyond the float range would have no defined conversion).
-float truncatedHundredths(double degrees, double limit) {
-  double value = Fix(degrees * 100) / 100;
-  if (std::isnan(value)) value = 0;
-  value = std::clamp(value, -limit, limit - 0.01);
-  return static_cast<float>(value);
-}
-
 }  // namespace
-
-QString CoordsToLocator6(double Lg, double Br) {
-  const float L = truncatedHundredths(Lg, 180);
-  const double Li = Int(L);
-  const double a = Int(Li / 20);
-  const double b = Int((Li - 20 * a) / 2);
-  const double r = Int((L - Li) * 60 / 5);
-  // The first term is 12 for an odd degree inside the 2-degree square.
-  const double c = ((Li - 20 * a) / 2 - b) * 24 + r;
-
-  const float M = truncatedHundredths(Br, 90);
-  const double Mi = Int(M);
-  const double e = Int(Mi / 10);
-  const double f = Mi - 10 * e;
-  const double g = Int((M - Mi) * 60 / 2.5);
-
-  // Field letters start at code 74 ("J") for the signed field index, so that the zero
-  // meridian and the equator fall between fields I and J.
-  QString loc(6, QChar(u' '));
-  loc[0] = chr(74 + toIndex(a));
-  loc[1] = chr(74 + toIndex(e));
-  loc[2] = chr(48 + toIndex(b));
-  loc[3] = chr(48 + toIndex(f));
-  loc[4] = chr(65 + toIndex(c));
-  loc[5] = chr(65 + toIndex(g));
-  return loc;
-}
 
 QString CoordsToLocator10(double Lg, double Br) {
   const double x = clampShifted(Lg + 180, 180, 360);
@@ -90,6 +53,12 @@ QString CoordsToLocator10(double Lg, double Br) {
   loc[8] = chr(65 + col % 24);
   loc[9] = chr(65 + row % 24);
   return loc;
+}
+
+// The square the position lies in: the same arithmetic as the ten characters, cut short, so
+// that the two forms never name different squares.
+QString CoordsToLocator6(double Lg, double Br) {
+  return CoordsToLocator10(Lg, Br).left(6);
 }
 
 QString CoordsToLocator(double Lg, double Br, bool loc10st) {

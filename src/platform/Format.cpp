@@ -2,6 +2,7 @@
 
 #include <QLocale>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <string>
@@ -136,7 +137,8 @@ QString patterned(double value, QStringView pattern, int significant) {
   while (fraction.size() > static_cast<std::size_t>(p.minFraction) && fraction.back() == '0') {
     fraction.pop_back();
   }
-  if (fraction.size() < static_cast<std::size_t>(p.minFraction)) fraction.resize(p.minFraction, '0');
+  if (fraction.size() < static_cast<std::size_t>(p.minFraction))
+    fraction.resize(p.minFraction, '0');
 
   const auto firstNonZero = whole.find_first_not_of('0');
   whole = firstNonZero == std::string::npos ? std::string() : whole.substr(firstNonZero);
@@ -154,7 +156,35 @@ QString patterned(double value, QStringView pattern, int significant) {
   return text;
 }
 
+QString plainForm(double value, int significant) {
+  if (!std::isfinite(value)) return nonFinite(value);
+  const Decimal d = toDecimal(value, significant);
+  if (d.digits.empty() || d.point - 1 >= -4) return generalForm(value, significant);
+  const auto [whole, fraction] = split(d);
+  return (d.negative ? QStringLiteral("-0") : QStringLiteral("0")) + decimalSign() +
+         QString::fromLatin1(fraction);
+}
+
+QString upToDecimals(double value, int decimals, int significant) {
+  const QString pattern = QStringLiteral("0.") + QString(std::max(decimals, 0), u'#');
+  QString text = patterned(value, pattern, significant);
+  if (text.endsWith(decimalSign())) text.chop(decimalSign().size());
+  return text;
+}
+
 }  // namespace
+
+QString FormatPlain(double value) {
+  return plainForm(value, 15);
+}
+
+QString FormatDecimals(double value, int decimals) {
+  return upToDecimals(value, decimals, 15);
+}
+
+QString FormatDecimals(float value, int decimals) {
+  return upToDecimals(static_cast<double>(value), decimals, 7);
+}
 
 QString Format(double value, QStringView pattern) {
   return pattern.isEmpty() ? generalForm(value, 15) : patterned(value, pattern, 15);

@@ -93,9 +93,16 @@ TEST(CoordinateText, WrittenInBothForms) {
       {52.520833333333336, "52,5208333333333", " 52° 31' 15\""},
       {0, "0", " 0° 0' 0\""},
       {-0.5, "-0,5", "- 0° 30' 0\""},
-      {13.9999999, "13,9999999", " 13° 59' 59,99964\""},
+      // Seconds keep at most four decimals: 59,99964 as a float, a tenth of a millimetre less.
+      {13.9999999, "13,9999999", " 13° 59' 59,9996\""},
       // Seconds reach 60 in single precision and carry into minutes and degrees.
       {13.99999999999, "13,99999999999", " 14° 0' 0\""},
+      // 59,99996 seconds show as 60 with four decimals and carry as well.
+      {13.999999988889, "13,999999988889", " 14° 0' 0\""},
+      // The corner of a 10-character locator: 1,278977E-12 seconds of noise read as 0.
+      {13.4, "13,4", " 13° 24' 0\""},
+      {0.000013, "0,000013", " 0° 0' 0,0468\""},
+      {-0.0000001, "-0,0000001", "- 0° 0' 0,0004\""},
       {-180, "-180", "- 180° 0' 0\""},
   };
   for (const auto& c : cases) {
@@ -104,7 +111,41 @@ TEST(CoordinateText, WrittenInBothForms) {
     EXPECT_EQ(CoordinateText(c.value, false).value_or("<none>").toStdString(), c.degrees);
   }
   EXPECT_FALSE(CoordinateText(1e6, false).has_value());
+  // Every written text reads back as its value, to a tenth of a millimetre.
+  for (const auto& c : cases) {
+    if (std::fabs(c.value) >= 180) continue;  // beyond what the entry takes
+    const CoordinateRead r =
+        ParseCoordinates(CoordinateText(c.value, false).value().trimmed(), u"0°0'0\"", false);
+    ASSERT_TRUE(r.ok) << c.value;
+    EXPECT_NEAR(r.Lg, c.value, 0.00005 / 3600) << c.value;
+  }
   EXPECT_FALSE(SplitDegrees(std::nan("")).has_value());
+}
+
+// An English machine writes a point wherever a German one writes a comma: in the fields
+// and in the limit messages, which show coordinates too.
+TEST(CoordinateText, DecimalSignOfTheLocale) {
+  const struct {
+    QLocale::Language language;
+    QLocale::Country country;
+    const char* decimal;
+    const char* degrees;
+    const char* limit;
+  } cases[] = {
+      {QLocale::German, QLocale::Germany, "-13,9999999", "- 13° 59' 59,9996\"",
+       "1°1'60\" ( max ±179° 59' 59,99999\" ) "},
+      {QLocale::English, QLocale::UnitedStates, "-13.9999999", "- 13° 59' 59.9996\"",
+       "1°1'60\" ( max ±179° 59' 59.99999\" ) "},
+  };
+  for (const auto& c : cases) {
+    QLocale::setDefault(QLocale(c.language, c.country));
+    EXPECT_EQ(CoordinateText(-13.9999999, true).value_or("<none>").toStdString(), c.decimal);
+    EXPECT_EQ(CoordinateText(-13.9999999, false).value_or("<none>").toStdString(), c.degrees);
+    EXPECT_EQ(ParseCoordinates(u"1°1'60\"", u"0°0'0\"", false).prompt.toStdString(), c.limit);
+    const CoordinateRead back = ParseCoordinates(QString::fromUtf8(c.degrees), u"0°0'0\"", false);
+    EXPECT_TRUE(back.ok) << c.degrees;
+  }
+  QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
 }
 
 }  // namespace

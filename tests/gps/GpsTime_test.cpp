@@ -5,17 +5,34 @@
 namespace marvento {
 namespace {
 
-// What the second status panel shows; the other parts are read by the clock correction below.
+// What the second status panel shows, and whether the field is a time of day at all; the
+// other parts are read by the clock correction below.
 TEST(GpsTime, SplitsTheUtcField) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"123519.60", "12:35:20"},
-      {"235959.90", "23:59:60"},
-      // No point, or one too far left: minutes and hours are skipped steps.
-      {"123519", "::123519"},
-      {"1.5", "::02"},
+  const struct {
+    const char* utc;
+    const char* shown;
+    bool inRange;
+  } cases[] = {
+      // Whole seconds begun, not rounded: a rounded 59.6 would show a 60th second.
+      {"123519.60", "12:35:19", true},
+      {"235959.90", "23:59:59", true},
+      {"123559.999", "12:35:59", true},
+      {"000000.00", "00:00:00", true},
+      {"235960.50", "23:59:60", true},  // the leap second
+      // Receivers that send no fraction mean hhmmss.
+      {"123519", "12:35:19", true},
+      {"256161.00", "25:61:61", false},
+      {"240000.00", "24:00:00", false},
+      {"126000.00", "12:60:00", false},
+      {"123560.00", "12:35:60", false},  // 60 only after 23:59
+      {"235961.00", "23:59:61", false},
+      {"1.5", "::01", false},  // a point too far left: minutes and hours are skipped steps
+      {"-23519.00", "-2:35:19", false},
   };
-  for (const auto& [utc, shown] : cases) {
-    EXPECT_EQ(SplitUtc(QString::fromLatin1(utc)).shown, QString::fromLatin1(shown)) << utc;
+  for (const auto& c : cases) {
+    const UtcTimeParts parts = SplitUtc(QString::fromLatin1(c.utc));
+    EXPECT_EQ(parts.shown, QString::fromLatin1(c.shown)) << c.utc;
+    EXPECT_EQ(parts.inRange, c.inRange) << c.utc;
   }
 }
 

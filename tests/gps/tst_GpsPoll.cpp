@@ -2,12 +2,17 @@
 
 #include "FakeClock.h"
 #include "PtyFeeder.h"
+#include "gps/GpsFix.h"
+#include "gps/GpsLog.h"
 #include "gps/GpsPoll.h"
+#include "locator/CoordsToLocator.h"
 #include "platform/CommControl.h"
 #include "platform/MsgBoxRecorder.h"
 #include "support/Pty.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
@@ -55,9 +60,42 @@ const struct GoodData {
      " 11,5166666666667| 48,1173|JO31AB||", "", "12:35:19", kCourse, 1},
     {"RMC status V: nothing changes", kRmcV + kGga + kGsa + kGsv, true, "", "||||", "", "",
      "old course", 0},
-    {"GGA without position: time, no fix written", kGgaBad + kGsa + kGsv + kGsv, true, "", "||||",
-     "Schlechter Empfang oder zu geringe Anzahl an Satteliten !", "12:35:20", "old course", 0,
+    // A sentence whose position is refused is not trusted for its time either.
+    {"GGA without position: no time, no fix written", kGgaBad + kGsa + kGsv + kGsv, true, "",
+     "||||", "Schlechter Empfang oder zu geringe Anzahl an Satelliten !", "", "old course", 0,
      "12.0|M|4"},
+};
+
+// Sentences with a right checksum whose fields no receiver can have measured, each polled
+// after a good fix at 12:35:19: what they may not change stays as that fix left it.
+const struct Impossible {
+  const char* name;
+  QByteArray sentence;
+  const char* info;
+  const char* panel2;  // the time of the good fix, unless this sentence has a real one
+  const char* kurs;
+  int fixes;      // positions taken, the good one included
+  int logLines;   // lines in the GPS log
+  int clockSets;  // GpsZeit is on for this poll
+  int heights;    // height samples, the good one included
+} kImpossible[] = {
+    {"time 25:61:61", "$GPRMC,256161.00,A,5231.500,N,01324.000,E,022.4,084.4,230394,003.1,W*48\r\n",
+     "", "12:35:19", "GPS - Geschwindigkeit: 22,4 Kn  Kurs: 84,4 ° (Stand: 12:35:19)", 2, 1, 0, 1},
+    {"speed 99999.9, course 720",
+     "$GPRMC,123600.00,A,5231.500,N,01324.000,E,99999.9,720.0,230394,003.1,W*40\r\n", "",
+     "12:36:00", "", 2, 2, 1, 1},
+    {"latitude 95", "$GPRMC,123600.00,A,9500.000,N,01324.000,E,022.4,084.4,230394,003.1,W*45\r\n",
+     "Schlechter Empfang oder zu geringe Anzahl an Satelliten !", "12:35:19",
+     "GPS - Geschwindigkeit: 22,4 Kn  Kurs: 84,4 ° (Stand: 12:35:19)", 1, 1, 0, 1},
+    {"date 32.13.99 is not read",
+     "$GPRMC,123600.00,A,5231.500,N,01324.000,E,022.4,084.4,321399,003.1,W*45\r\n", "", "12:36:00",
+     "GPS - Geschwindigkeit: 22,4 Kn  Kurs: 84,4 ° (Stand: 12:36:00)", 2, 2, 1, 1},
+    {"height 150 km", "$GPGGA,123600.00,5231.500,N,01324.000,E,1,08,0.9,150000.0,M,46.9,M,,*50\r\n",
+     "", "12:36:00", "GPS - Geschwindigkeit: 22,4 Kn  Kurs: 84,4 ° (Stand: 12:35:19)", 2, 2, 1, 1},
+    {"time 25:61:61, 150 satellites",
+     "$GPGGA,256161.00,5231.500,N,01324.000,E,1,150,0.9,545.4,M,46.9,M,,*59\r\n",
+     "GPS - Antennenhöhe: 545,4 m ü. NN", "12:35:19",
+     "GPS - Geschwindigkeit: 22,4 Kn  Kurs: 84,4 ° (Stand: 12:35:19)", 2, 1, 0, 1},
 };
 
 }  // namespace
@@ -101,6 +139,11 @@ class TestGpsPoll : public QObject {
       m_w->heights << alt + u'|' + unit + u'|' + sats;
     };
     hooks.UnlockEntry = [this] { ++m_w->unlocks; };
+    hooks.FixTaken = [this](const GpsFix& fix) {
+      ++m_w->fixes;
+      // What Compute would write from the fields, for the log to read.
+      m_w->tbMyLoc.setText(CoordsToLocator6(fix.position.lon, fix.position.lat));
+    };
     m_poll = std::make_unique<GpsPoll>(view, hooks, m_clock);
   }
 
@@ -229,6 +272,53 @@ class TestGpsPoll : public QObject {
     }
   }
 
+  void impossibleValuesAreNotTaken_data() {
+    QTest::addColumn<int>("i");
+    for (int i = 0; i < int(std::size(kImpossible)); ++i) QTest::newRow(kImpossible[i].name) << i;
+  }
+
+  void impossibleValuesAreNotTaken() {
+    QFETCH(int, i);
+    const Impossible& c = kImpossible[i];
+    QTemporaryDir folder;
+    const InFolder in(folder.path());
+    QVERIFY(in.entered);
+    GpsLog log([] { return true; },
+               GpsLogView{&m_w->panel2, &m_w->tbMyLoc, &m_w->lbInfo, &m_w->timer}, m_clock);
+    MsgBoxRecorder boxes;
+    feed(kGga + kGsa + kRmc + kGsv);
+    poll();
+    log.WriteGpsLog();
+    QCOMPARE(m_w->panel2.text(), QStringLiteral("12:35:19"));
+    const QStringList fields{m_w->tbMyLg.text(), m_w->tbMyBr.text(), m_w->tbMyLoc.text()};
+    m_feeder.reset();
+
+    m_clock.set(QDateTime(QDate(2026, 11, 18), QTime(14, 22, 10)));
+    m_clock.refuse(false);
+    const qsizetype setsBefore = m_clock.sets().size();
+    m_settings.gpsZeit = true;
+    feed(c.sentence + kGsa + kGsv + kGsv);  // more than the exchange's least chunk
+    poll();
+    log.WriteGpsLog();
+
+    QCOMPARE(m_w->lbInfo.text(), QString::fromUtf8(c.info));
+    QCOMPARE(m_w->panel2.text(), QString::fromUtf8(c.panel2));
+    QCOMPARE(m_w->lbKurs.text(), QString::fromUtf8(c.kurs));
+    QCOMPARE(m_w->fixes, c.fixes);
+    if (c.fixes == 1) {
+      QCOMPARE(QStringList({m_w->tbMyLg.text(), m_w->tbMyBr.text(), m_w->tbMyLoc.text()}), fields);
+    }
+    QCOMPARE(m_clock.sets().size() - setsBefore, c.clockSets);
+    QCOMPARE(m_w->heights.size(), c.heights);
+    QFile file(GpsLog::kFileName);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QStringList lines =
+        QString::fromUtf8(file.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+    QCOMPARE(lines.size(), c.logLines);
+    QVERIFY2(lines.last().contains(QString::fromUtf8(c.panel2) + u' '), qPrintable(lines.last()));
+    QCOMPARE(boxes.count(), 0);
+  }
+
   void cancelEndsThePollQuietly() {
     bool thenCalled = false;
     m_poll->poll(1, QStringLiteral("4800,N,8,1"), [&] { thenCalled = true; });
@@ -255,6 +345,15 @@ class TestGpsPoll : public QObject {
         std::make_unique<test::PtyFeeder>(*m_pty, std::vector<test::Piece>{{kOpenMs, bytes}});
   }
 
+  // The log goes into the current folder: a test works in its own, and a failed check does
+  // not leave it there.
+  struct InFolder {
+    explicit InFolder(const QString& path) : entered(QDir::setCurrent(path)) {}
+    ~InFolder() { QDir::setCurrent(before); }
+    QString before = QDir::currentPath();
+    bool entered;
+  };
+
   // The controls and counters of one test, new for each.
   struct Window {
     QLabel lbInfo, lbKurs, panel2;
@@ -264,6 +363,7 @@ class TestGpsPoll : public QObject {
     int receptionOffs = 0;
     int computes = 0;
     int unlocks = 0;
+    int fixes = 0;
     bool pollingSeenInCompute = false;
     QStringList heights;
   };

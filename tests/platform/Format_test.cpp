@@ -50,10 +50,37 @@ TEST(Format, GeneralFormWithoutPattern) {
   }
 }
 
+// Coordinates are never written in the exponent form.
+TEST(Format, PlainAndUpToDecimals) {
+  const struct {
+    double value;
+    const char* plain;
+    const char* fourPlaces;
+  } cases[] = {
+      {0.00001, "0,00001", "0"},
+      {-0.0000123456789012345, "-0,0000123456789012345", "0"},
+      {1.278977e-12, "0,000000000001278977", "0"},
+      {0.0001, "0,0001", "0,0001"},
+      {52.520833333333336, "52,5208333333333", "52,5208"},
+      {59.99996, "59,99996", "60"},
+      {2.5, "2,5", "2,5"},
+      {-0.00005, "-0,00005", "-0,0001"},  // half away from zero
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(FormatPlain(c.value), QString::fromLatin1(c.plain)) << c.value;
+    EXPECT_EQ(FormatDecimals(c.value, 4), QString::fromLatin1(c.fourPlaces)) << c.value;
+  }
+  // Single precision rounds on seven significant digits first: 59,99964 as a float.
+  EXPECT_EQ(FormatDecimals(59.99964f, 4), QStringLiteral("59,9996"));
+  EXPECT_EQ(FormatDecimals(1.278977e-12f, 4), QStringLiteral("0"));
+}
+
 TEST(Format, DecimalSignFollowsTheLocale) {
   QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
   EXPECT_EQ(Format(353.3149, u"0.00"), QStringLiteral("353.31"));
   EXPECT_EQ(Format(13.375), QStringLiteral("13.375"));
+  EXPECT_EQ(FormatPlain(0.000013), QStringLiteral("0.000013"));
+  EXPECT_EQ(FormatDecimals(24.5f, 4), QStringLiteral("24.5"));
   QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
 }
 
