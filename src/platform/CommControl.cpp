@@ -17,6 +17,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 
 namespace marvento {
 
@@ -35,15 +36,27 @@ QString defaultDevice(int number) {
   return QStringLiteral("/dev/rfcomm0");
 }
 
-// True when another program holds the device exclusively (TIOCEXCL, as gpsd does). Root
-// may open such a device all the same, but would then steal the other program's data.
-bool heldExclusively(const QByteArray& nativePath) {
+// What opening the device by hand tells before the port object tries: the system's error
+// number (ENOTTY for a device that is no terminal, such as /dev/null), and whether another
+// program holds it exclusively (TIOCEXCL, as gpsd does). Root may open such a device all the
+// same, but would then steal the other program's data.
+struct DeviceProbe {
+  int error = 0;
+  bool exclusive = false;
+};
+
+DeviceProbe probeDevice(const QByteArray& nativePath) {
   const int fd = ::open(nativePath.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  if (fd < 0) return errno == EBUSY;
+  if (fd < 0) return {errno, false};
+  DeviceProbe probe;
   int exclusive = 0;
-  const bool held = ::ioctl(fd, TIOCGEXCL, &exclusive) == 0 && exclusive != 0;
+  if (!::isatty(fd)) {
+    probe.error = ENOTTY;
+  } else {
+    probe.exclusive = ::ioctl(fd, TIOCGEXCL, &exclusive) == 0 && exclusive != 0;
+  }
   ::close(fd);
-  return held;
+  return probe;
 }
 
 QString portName(int number) {
@@ -65,6 +78,12 @@ QString accessGroup(const struct stat& info) {
   return QStringLiteral("dialout");
 }
 
+// The error's symbolic name, which reads the same in every language ("ELOOP").
+QString errorName(int error) {
+  if (const char* name = ::strerrorname_np(error)) return QString::fromLatin1(name);
+  return QString::number(error);
+}
+
 QSerialPort::Parity toParity(char parity) {
   switch (parity) {
     case 'E': return QSerialPort::EvenParity;
@@ -84,6 +103,51 @@ QSerialPort::StopBits toStopBits(int tenths) {
 }
 
 }  // namespace
+
+CommResult DeviceOpenFailure(int error, const QString& path, const QString& name,
+                             const QString& group) {
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+    case ENODEV:
+    case ENXIO:
+      return failure(comInvalidPort,
+                     QStringLiteral("Das Gerät %1 (%2) ist nicht vorhanden.").arg(path, name));
+    case ENOTTY:
+    case EISDIR:
+      return failure(comNotOpen,
+                     QStringLiteral("%1 (%2) ist keine serielle Schnittstelle.").arg(path, name));
+    case EACCES:
+    case EPERM:
+      return failure(
+          comPermissionDenied,
+          QStringLiteral("Keine Berechtigung für %1. Bitte den Benutzer in die Gruppe %2 "
+                         "aufnehmen und neu anmelden.")
+              .arg(path, group.isEmpty() ? QStringLiteral("dialout") : group));
+    case EBUSY:
+      return failure(comPortOpen, QStringLiteral("Das Gerät %1 (%2) wird schon von einem anderen "
+                                                 "Programm verwendet.")
+                                      .arg(path, name));
+    case EIO:
+      // A device node without hardware behind it, as the kernel keeps for ttyS ports.
+      return failure(comNotOpen,
+                     QStringLiteral("Das Gerät %1 (%2) lässt sich nicht öffnen: keine Hardware "
+                                    "oder Ein-/Ausgabefehler.")
+                         .arg(path, name));
+    case ELOOP:
+      return failure(comInvalidPort,
+                     QStringLiteral("Der Pfad %1 (%2) führt über zu viele symbolische "
+                                    "Verknüpfungen.")
+                         .arg(path, name));
+    case ENAMETOOLONG:
+      return failure(comInvalidPort,
+                     QStringLiteral("Der Pfad %1 (%2) ist zu lang.").arg(path, name));
+    default:
+      return failure(comOpenFailed,
+                     QStringLiteral("Das Gerät %1 (%2) lässt sich nicht öffnen (Systemfehler %3).")
+                         .arg(path, name, errorName(error)));
+  }
+}
 
 std::optional<std::int16_t> ComNumberOf(const QString& comPort) {
   if (comPort.size() < 3) return std::nullopt;
@@ -238,55 +302,36 @@ CommResult CommControl::open() {
 
   const QByteArray nativePath = path.toLocal8Bit();
   struct stat info {};
-  if (::stat(nativePath.constData(), &info) != 0) {
-    if (errno == ENOENT || errno == ENOTDIR) {
-      return failure(comInvalidPort,
-                     QStringLiteral("Das Gerät %1 (%2) ist nicht vorhanden.").arg(path, name));
-    }
-    return failure(comOpenFailed, QStringLiteral("Das Gerät %1 (%2) ist nicht erreichbar: %3")
-                                      .arg(path, name, QString::fromLocal8Bit(strerror(errno))));
-  }
+  if (::stat(nativePath.constData(), &info) != 0) return DeviceOpenFailure(errno, path, name);
+  // A regular file or a folder opens or fails with reasons that name no serial port.
+  if (!S_ISCHR(info.st_mode)) return DeviceOpenFailure(ENOTTY, path, name);
   // The port's lock reports a busy device as a permission error, so a missing right is
   // told apart here, before the opening.
   if (::faccessat(AT_FDCWD, nativePath.constData(), R_OK | W_OK, AT_EACCESS) != 0 &&
       errno == EACCES) {
-    return failure(comPermissionDenied,
-                   QStringLiteral("Keine Berechtigung für %1. Bitte den Benutzer in die Gruppe %2 "
-                                  "aufnehmen und neu anmelden.")
-                       .arg(path, accessGroup(info)));
+    return DeviceOpenFailure(EACCES, path, name, accessGroup(info));
   }
-
-  if (heldExclusively(nativePath)) {
-    return failure(comPortOpen, QStringLiteral("Das Gerät %1 (%2) wird schon von einem anderen "
-                                               "Programm verwendet.")
-                                    .arg(path, name));
-  }
+  const DeviceProbe probe = probeDevice(nativePath);
+  if (probe.exclusive) return DeviceOpenFailure(EBUSY, path, name);
+  if (probe.error != 0) return DeviceOpenFailure(probe.error, path, name, accessGroup(info));
 
   m_port->setPortName(path);
   if (!m_port->open(QIODevice::ReadWrite)) {
     const QSerialPort::SerialPortError error = m_port->error();
-    const QString detail = m_port->errorString();
     m_port->clearError();
     switch (error) {
+      // The device answered the probe; what fails now is the lock another program holds.
       case QSerialPort::PermissionError:
-      case QSerialPort::OpenError:
-        return failure(comPortOpen,
-                       QStringLiteral("Das Gerät %1 (%2) wird schon von einem anderen Programm "
-                                      "verwendet.")
-                           .arg(path, name));
-      case QSerialPort::DeviceNotFoundError:
-        return failure(comInvalidPort,
-                       QStringLiteral("Das Gerät %1 (%2) ist nicht vorhanden.").arg(path, name));
-      case QSerialPort::ResourceError:
-        // A device node without hardware behind it, as the kernel keeps for ttyS ports.
-        return failure(comNotOpen,
-                       QStringLiteral("Das Gerät %1 (%2) lässt sich nicht öffnen: keine Hardware "
-                                      "oder Ein-/Ausgabefehler.")
-                           .arg(path, name));
+      case QSerialPort::OpenError: return DeviceOpenFailure(EBUSY, path, name);
+      case QSerialPort::DeviceNotFoundError: return DeviceOpenFailure(ENOENT, path, name);
+      case QSerialPort::ResourceError: return DeviceOpenFailure(EIO, path, name);
+      case QSerialPort::UnsupportedOperationError: return DeviceOpenFailure(ENOTTY, path, name);
       default:
         return failure(comOpenFailed,
-                       QStringLiteral("Das Gerät %1 (%2) lässt sich nicht öffnen: %3")
-                           .arg(path, name, detail));
+                       QStringLiteral("Das Gerät %1 (%2) lässt sich nicht öffnen (Fehler %3 des "
+                                      "seriellen Anschlusses).")
+                           .arg(path, name)
+                           .arg(static_cast<int>(error)));
     }
   }
 

@@ -31,6 +31,13 @@ struct CommResult {
   bool ok() const { return number == comNoError; }
 };
 
+// What a user is told when the device of a port cannot be opened, for the system's error
+// number: no such device (8002), no serial port (8012), no right to it (naming `group`, or
+// dialout when empty), held by another program (8005), no hardware behind it (8012); any
+// other error names its symbolic name in a German sentence.
+CommResult DeviceOpenFailure(int error, const QString& path, const QString& name,
+                             const QString& group = {});
+
 // The device behind a port number 1 to 29: Com1-Com8 are /dev/ttyS0-7, Com9-Com18
 // /dev/ttyUSB0-9, Com19-Com28 /dev/ttyACM0-9, Com29 /dev/rfcomm0. A key "ComN" in the
 // settings group "Ports" overrides the path. Empty for a number outside 1 to 29.

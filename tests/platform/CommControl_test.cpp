@@ -3,9 +3,17 @@
 #include "support/Pty.h"
 
 #include <QElapsedTimer>
+#include <QFile>
 #include <QSerialPort>
+#include <QTemporaryDir>
+
+#include <sys/ioctl.h>
+#include <sys/wait.h>
 
 #include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstring>
 
 namespace marvento {
 namespace {
@@ -126,6 +134,118 @@ TEST_F(CommControlTest, MissingDevicesGive8002Quickly) {
     EXPECT_TRUE(result.description.contains(QStringLiteral("Com%1").arg(number))) << number;
   }
   EXPECT_LT(clock.elapsed(), 1000);
+}
+
+// A process of its own that opens a device exclusively (TIOCEXCL), as gpsd does with the
+// receivers it watches, and holds it until the object goes.
+class ExclusiveHolder {
+ public:
+  explicit ExclusiveHolder(const QString& path) {
+    int ready[2];
+    if (::pipe(ready) != 0 || ::pipe(m_release) != 0) return;
+    m_child = ::fork();
+    if (m_child == 0) {
+      // Only the parent's end may keep the release pipe open, or the wait below never ends.
+      ::close(m_release[1]);
+      ::close(ready[0]);
+      const int fd = ::open(path.toLocal8Bit().constData(), O_RDWR | O_NOCTTY);
+      const char ok = fd >= 0 && ::ioctl(fd, TIOCEXCL) == 0 ? 'y' : 'n';
+      [[maybe_unused]] const auto written = ::write(ready[1], &ok, 1);
+      char end;
+      [[maybe_unused]] const auto read = ::read(m_release[0], &end, 1);
+      ::_exit(0);
+    }
+    char ok = 'n';
+    m_holding = m_child > 0 && ::read(ready[0], &ok, 1) == 1 && ok == 'y';
+    ::close(ready[0]);
+    ::close(ready[1]);
+    ::close(m_release[0]);
+  }
+  ~ExclusiveHolder() {
+    ::close(m_release[1]);
+    if (m_child > 0) ::waitpid(m_child, nullptr, 0);
+  }
+  bool holding() const { return m_holding; }
+
+ private:
+  int m_release[2] = {-1, -1};
+  pid_t m_child = -1;
+  bool m_holding = false;
+};
+
+// Devices that cannot be opened are told in German, with the device, the port and what the
+// user can do, never in the system's English words.
+TEST_F(CommControlTest, DevicesThatCannotBeOpenedAreToldInGerman) {
+  QTemporaryDir dir;
+  QFile file(dir.filePath(QStringLiteral("port")));
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.close();
+  const QString loop = dir.filePath(QStringLiteral("loop"));
+  ASSERT_TRUE(QFile::link(dir.filePath(QStringLiteral("loop2")), loop));
+  ASSERT_TRUE(QFile::link(loop, dir.filePath(QStringLiteral("loop2"))));
+  ExclusiveHolder other(m_pty.path());
+  ASSERT_TRUE(other.holding());
+
+  const struct {
+    const char* name;
+    QString device;
+    int number;
+    const char* told;
+    int systemError;  // whose English text must not appear
+  } cases[] = {
+      {"a regular file", file.fileName(), comNotOpen, "ist keine serielle Schnittstelle", ENOTTY},
+      {"/dev/null", QStringLiteral("/dev/null"), comNotOpen, "ist keine serielle Schnittstelle",
+       ENOTTY},
+      {"a folder", dir.path(), comNotOpen, "ist keine serielle Schnittstelle", EISDIR},
+      {"a missing path", dir.filePath(QStringLiteral("ttyUSB7")), comInvalidPort,
+       "ist nicht vorhanden", ENOENT},
+      {"a link loop", loop, comInvalidPort, "zu viele symbolische Verknüpfungen", ELOOP},
+      {"a terminal another program holds", m_pty.path(), comPortOpen,
+       "wird schon von einem anderen Programm verwendet", EBUSY},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    test::SetPortDevice(1, c.device);
+    const CommResult result = m_control.setPortOpen(true);
+    EXPECT_EQ(result.number, c.number);
+    EXPECT_FALSE(m_control.portOpen());
+    const std::string told = result.description.toStdString();
+    EXPECT_NE(told.find(c.device.toStdString() + " (Com1)"), std::string::npos) << told;
+    EXPECT_NE(told.find(c.told), std::string::npos) << told;
+    EXPECT_EQ(told.find(std::strerror(c.systemError)), std::string::npos) << told;
+  }
+}
+
+// The failures a root run cannot meet with real files: no right to the device, and the rest.
+TEST(DeviceOpenFailure, TellsTheReasonInGerman) {
+  const struct {
+    int error;
+    const char* group;
+    int number;
+    const char* told;
+  } cases[] = {
+      {EACCES, "", comPermissionDenied,
+       "Keine Berechtigung für /dev/ttyUSB0. Bitte den Benutzer in die Gruppe dialout aufnehmen "
+       "und neu anmelden."},
+      {EPERM, "uucp", comPermissionDenied,
+       "Keine Berechtigung für /dev/ttyUSB0. Bitte den Benutzer in die Gruppe uucp aufnehmen und "
+       "neu anmelden."},
+      {EBUSY, "", comPortOpen,
+       "Das Gerät /dev/ttyUSB0 (Com9) wird schon von einem anderen Programm verwendet."},
+      {ENODEV, "", comInvalidPort, "Das Gerät /dev/ttyUSB0 (Com9) ist nicht vorhanden."},
+      {ENXIO, "", comInvalidPort, "Das Gerät /dev/ttyUSB0 (Com9) ist nicht vorhanden."},
+      {EIO, "", comNotOpen,
+       "Das Gerät /dev/ttyUSB0 (Com9) lässt sich nicht öffnen: keine Hardware oder "
+       "Ein-/Ausgabefehler."},
+      {EPROTO, "", comOpenFailed,
+       "Das Gerät /dev/ttyUSB0 (Com9) lässt sich nicht öffnen (Systemfehler EPROTO)."},
+  };
+  for (const auto& c : cases) {
+    const CommResult r = DeviceOpenFailure(c.error, QStringLiteral("/dev/ttyUSB0"),
+                                           QStringLiteral("Com9"), QString::fromUtf8(c.group));
+    EXPECT_EQ(r.number, c.number) << c.told;
+    EXPECT_EQ(r.description.toStdString(), c.told);
+  }
 }
 
 }  // namespace
