@@ -475,7 +475,7 @@ void frmMain::Form_Load() {
   m_loaded = true;
   if (!AcquireInstanceLock()) {
     MsgBox(QStringLiteral("Das Programm zweimal zu aktivieren ist nicht ratsam. Wenn Sie diese "
-                          "möglichkeit benötigen, so wenden Sie sich bitte an den Autor dieser "
+                          "Möglichkeit benötigen, so wenden Sie sich bitte an den Autor dieser "
                           "Software."),
            vbExclamation, QStringLiteral("Marvento läuft bereits "));
     exitProcess()();

@@ -11,7 +11,7 @@ namespace marvento {
 struct ExchangeResult {
   enum class Kind {
     Sentence,      // a whole sentence of a known type arrived
-    NoReception,   // the wait ran out: "Zur Zeit kein GPS-Empfang"
+    NoReception,   // the wait ran out: "Zurzeit kein GPS-Empfang"
     Disconnected,  // the receiver went away during the wait
     PortBusy,      // another program holds the device
     PortRefused,   // the user chose not to use the port the scan found busy

@@ -90,7 +90,7 @@ QString GpsdMessage(GpsdOutcome outcome, const QString& address, const QString& 
     case GpsdOutcome::NoFix:
       return QStringLiteral("gpsd (%1) meldet noch keine Position").arg(address);
     case GpsdOutcome::Silent:
-      return QStringLiteral("Zur Zeit kein GPS-Empfang über gpsd (%1)").arg(address);
+      return QStringLiteral("Zurzeit kein GPS-Empfang über gpsd (%1)").arg(address);
     case GpsdOutcome::BadAddress:
       return QStringLiteral(
                  "Ungültige gpsd-Adresse „%1“: erwartet wird Rechner:Port, etwa "

@@ -177,7 +177,7 @@ void SerialExchange::onDeadline() {
   if (takeChunk()) return;
   if (m_phase != Phase::Waiting) return;
   stopWaiting();
-  finish(ExchangeResult::failed(Kind::NoReception, QStringLiteral("Zur Zeit kein GPS-Empfang")));
+  finish(ExchangeResult::failed(Kind::NoReception, QStringLiteral("Zurzeit kein GPS-Empfang")));
 }
 
 void SerialExchange::onHangUp() {

@@ -19,7 +19,7 @@ void ShowHelp(const QString& appDir) {
     OpenWithViewer(viewer, file);
     return;
   }
-  MsgBox(QStringLiteral("Acrobat Reader o.ä. nicht gefunden!\nHilfe finden Sie in der Datei \n") +
+  MsgBox(QStringLiteral("Acrobat Reader o. Ä. nicht gefunden!\nHilfe finden Sie in der Datei \n") +
              file + QStringLiteral("\n"),
          vbCritical, QStringLiteral(" Hilfe"));
 }

@@ -35,7 +35,7 @@ namespace {
 
 const char* const kProductName = "Marvento";
 const char* const kFileDescription =
-    "Locator- Programm zur Entfernungs-  und Richtungs-Bestimmung mit oder ohne GPS";
+    "Locator-Programm zur Entfernungs- und Richtungsbestimmung mit oder ohne GPS";
 const char* const kLegalLine =
     "Copyright © 2026 Marvento-Entwickler. Lizenz: GNU GPL, Version 3 oder später. "
     "Ohne jede Gewährleistung.";
@@ -146,7 +146,7 @@ void StartSysInfo() {
     if (StartDetached(program)) return;
     break;  // the one that is there failed; another one would surprise the user
   }
-  MsgBox(QStringLiteral("Systeminformationsprogramm zur Zeit nicht verfügbar."), vbOKOnly);
+  MsgBox(QStringLiteral("Systeminformationsprogramm zurzeit nicht verfügbar."), vbOKOnly);
 }
 
 void ShowAbout(QWidget* owner, QTimer* timer1, bool gpsOn, const std::function<void()>& closed) {

@@ -101,7 +101,7 @@ void frmOptions::build() {
       this, "Label1", QStringLiteral("Daten vom GPS-Empfänger im NMEA 0183-Protokoll"), nullptr);
   label1->setFont(bold);
 
-  m_Combo3 = makeCombo(this, "Combo3", QStringLiteral(" GPS-Dateninterval "));
+  m_Combo3 = makeCombo(this, "Combo3", QStringLiteral(" GPS-Datenintervall "));
   auto* label4 = makeLabel(this, "Label4", QStringLiteral("all&e"), m_Combo3);
   auto* label5 = makeLabel(this, "Label5", QStringLiteral("Sekunden"), nullptr);
   m_Combo1 = makeCombo(this, "Combo1", QStringLiteral(" Com1...Com29, oder gpsd "));

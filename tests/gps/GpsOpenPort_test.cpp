@@ -115,7 +115,7 @@ TEST_F(GpsOpenPortTest, GivesUpWhenNoSentenceComesInTime) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     PtyFeeder feeder(m_pty, c.pieces);
-    EXPECT_EQ(exchange(c.settings), QStringLiteral("!Zur Zeit kein GPS-Empfang"));
+    EXPECT_EQ(exchange(c.settings), QStringLiteral("!Zurzeit kein GPS-Empfang"));
     EXPECT_TRUE(m_result.rawBuffer.isEmpty());
     EXPECT_GE(m_elapsedMs, c.minMs);
     EXPECT_LE(m_elapsedMs, c.maxMs);

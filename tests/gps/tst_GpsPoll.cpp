@@ -203,7 +203,7 @@ class TestGpsPoll : public QObject {
     if (dataFirst) {
       // A failure before the data: the data starts the count afresh.
       poll();
-      QCOMPARE(m_w->lbInfo.text(), QStringLiteral("1. Versuch/3 : Zur Zeit kein GPS-Empfang"));
+      QCOMPARE(m_w->lbInfo.text(), QStringLiteral("1. Versuch/3 : Zurzeit kein GPS-Empfang"));
       feed(kGga + kGsa + kGsv + kGsv);
       poll();
       QVERIFY(m_poll->dataSeen());
@@ -216,7 +216,7 @@ class TestGpsPoll : public QObject {
       poll();
       QVERIFY(!QApplication::overrideCursor());
       QCOMPARE(m_w->lbInfo.text(),
-               QStringLiteral("%1. Versuch/%2 : Zur Zeit kein GPS-Empfang").arg(tryNo).arg(tries));
+               QStringLiteral("%1. Versuch/%2 : Zurzeit kein GPS-Empfang").arg(tryNo).arg(tries));
       QCOMPARE(boxes.count(), 0);
       QVERIFY(m_w->timer.isActive());
     }
@@ -225,7 +225,7 @@ class TestGpsPoll : public QObject {
     QCOMPARE(m_w->receptionOffs, 1);
     QVERIFY(!m_w->timer.isActive());
     QCOMPARE(boxes.count(), 1);
-    QCOMPARE(boxes.last().prompt, QStringLiteral("GPS-Datenübertragungsfehler:\nZur Zeit kein "
+    QCOMPARE(boxes.last().prompt, QStringLiteral("GPS-Datenübertragungsfehler:\nZurzeit kein "
                                                  "GPS-Empfang\nGPS-Empfang wurde deaktiviert !"));
     QCOMPARE(boxes.last().style, 48);
     QCOMPARE(boxes.last().title, QStringLiteral(" Fehler"));

@@ -56,7 +56,7 @@ class tst_GpsdSource : public QObject {
     const GpsdResult silent = ask(address, 1500ms);
     QCOMPARE(silent.outcome, GpsdOutcome::Silent);
     QCOMPARE(silent.message,
-             QStringLiteral("Zur Zeit kein GPS-Empfang über gpsd (%1)").arg(address));
+             QStringLiteral("Zurzeit kein GPS-Empfang über gpsd (%1)").arg(address));
 
     int calls = 0;
     m_client->request(address, 300ms, [&](const GpsdResult&) { ++calls; });

@@ -54,7 +54,7 @@ class tst_Help : public QObject {
     const QString notFound =
         QStringLiteral("Die Datei \n%1\nist nicht vorhanden!\nBitte selbst nach der Datei suchen.");
     const QString noViewer =
-        QStringLiteral("Acrobat Reader o.ä. nicht gefunden!\nHilfe finden Sie in der Datei \n%1\n");
+        QStringLiteral("Acrobat Reader o. Ä. nicht gefunden!\nHilfe finden Sie in der Datei \n%1\n");
     const struct {
       bool helpFile;
       const char* exec;  // nullptr: nothing associated
@@ -103,7 +103,7 @@ class tst_Help : public QObject {
     about.findChild<QPushButton*>(QStringLiteral("cmdSysInfo"))->click();
     QCOMPARE(rec.count(), 1);
     QCOMPARE(rec.last().prompt,
-             QStringLiteral("Systeminformationsprogramm zur Zeit nicht verfügbar."));
+             QStringLiteral("Systeminformationsprogramm zurzeit nicht verfügbar."));
   }
 
   // With reception on the timer rests while the box is up and runs afterwards; else it is
