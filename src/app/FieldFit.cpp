@@ -31,15 +31,13 @@ int WidestCoordinateText(const QFontMetrics& metrics) {
   const QString point = QLocale().decimalPoint();
   auto digits = [&](int n) { return d.repeated(n); };
   const QString texts[] = {
-      // Decimal form: up to 15 significant digits, or the exponent form below 1E-4.
+      // Decimal form: up to 15 significant digits, written out in full below 1E-4.
       QStringLiteral("-") + digits(3) + point + digits(12),
-      QStringLiteral("-") + d + point + digits(14) + QStringLiteral("E-") + digits(2),
+      QStringLiteral("-0") + point + digits(19),
       // Degrees, minutes and seconds: Str() gives the blank in front of degrees and minutes;
-      // the seconds have 7 significant digits, or the exponent form.
+      // the seconds have at most four decimals.
       QStringLiteral("- ") + digits(3) + QStringLiteral("° ") + digits(2) + QStringLiteral("' ") +
-          d + point + digits(6) + QStringLiteral("E-") + digits(2) + QStringLiteral("\""),
-      QStringLiteral("- ") + digits(3) + QStringLiteral("° ") + digits(2) + QStringLiteral("' ") +
-          digits(2) + point + digits(5) + QStringLiteral("\""),
+          digits(2) + point + digits(4) + QStringLiteral("\""),
   };
   int width = 0;
   for (const QString& text : texts) width = std::max(width, metrics.horizontalAdvance(text));

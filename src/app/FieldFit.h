@@ -8,7 +8,7 @@ namespace marvento {
 // Widths in pixels for the entry fields of the main window, measured with the font they use.
 
 // The widest text that the program writes into a coordinate field, in either form: a sign,
-// 15 significant digits, and the exponent form of tiny seconds such as 1,278977E-12.
+// 15 significant digits written out in full, or seconds with four decimals.
 int WidestCoordinateText(const QFontMetrics& metrics);
 // The widest locator of 10 characters.
 int WidestLocatorText(const QFontMetrics& metrics);
