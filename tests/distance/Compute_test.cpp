@@ -251,6 +251,9 @@ TEST(Compute, FormsOfTheFields) {
        "JO62QM84AT|13,4|52,5199652777778|JO31NK|7,125|51,4375", " 446,15 km"},
       {"typed point in degrees", false, false, "|13° 24' 0\"|52° 31' 12\"|jo31nk||",
        "JO62QM| 13° 22' 30\"| 52° 31' 15\"|JO31NK| 7° 7' 30\"| 51° 26' 15\"", " 444,53 km"},
+      // The corner's 13.4 leaves 1,278977E-12 seconds of noise, written as the 0 it is.
+      {"10 characters in degrees", true, false, "jo62qm84at|||jo31nk||",
+       "JO62QM84AT| 13° 24' 0\"| 52° 31' 11,875\"|JO31NK| 7° 7' 30\"| 51° 26' 15\"", " 446,15 km"},
       {"old QRA locator stays as typed", false, true, "jo62qm|||ek74h||",
        "JO62QM|13,375|52,5208333333333|EK74H|8,63333333333333|50,1041666666667", " 425,09 km"},
       // Regression: a longitude of exactly 0 counted as "not known yet", so the own position
