@@ -56,7 +56,8 @@ void speedAndCourseValues(const RmcSentence& rmc, DecodedSentence& d) {
   d.courseDegrees = courseOf(rmc);
 }
 
-// The antenna height of a GGA sentence in metres: nothing when empty or impossible.
+// The antenna height of a GGA sentence in metres (feet converted, any other unit read as
+// metres): nothing when empty or impossible.
 std::optional<double> heightOf(const GgaSentence& gga) {
   if (gga.alt.trimmed().isEmpty()) return std::nullopt;
   const double value = Val(gga.alt);
@@ -132,8 +133,10 @@ std::optional<PositionFields> typeSteps(const GgaSentence& gga, DecodedSentence&
   } else {
     d.info = QString();
   }
-  // The windows that follow the position take metres only.
-  if (gga.altUnit.compare(u"M", Qt::CaseInsensitive) != 0) d.heightMetres.reset();
+  // The windows that follow the position take no height in a unit of unknown size.
+  const bool known = gga.altUnit.compare(u"M", Qt::CaseInsensitive) == 0 ||
+                     gga.altUnit.compare(u"F", Qt::CaseInsensitive) == 0;
+  if (!known) d.heightMetres.reset();
   return PositionFields{gga.lat, gga.ns, gga.lon, gga.ew};
 }
 

@@ -153,6 +153,11 @@ TEST(SentenceDecoding, ImpossibleValuesCountAsAbsent) {
       {"height below -1000 m",
        "$GPGGA,123519.00,4807.038,N,01131.000,E,1,08,0.9,-1000.1,M,46.9,M,,*74", true, true, "", "",
        false, kNone, kNone, kNone},
+      // Feet are heights too: 1000 ft are 304.8 m, 350000 ft more than 100 km.
+      {"height in feet", "$GPGGA,123519.00,4807.038,N,01131.000,E,1,08,0.9,1000.0,F,46.9,M,,*53",
+       true, true, "GPS - Antennenhöhe: 1000 f ü. NN (8)", "", true, kNone, kNone, 304.8},
+      {"350000 feet", "$GPGGA,123519.00,4807.038,N,01131.000,E,1,08,0.9,350000.0,F,46.9,M,,*54",
+       true, true, "", "", false, kNone, kNone, kNone},
       {"no height", "$GPGGA,123519.00,4807.038,N,01131.000,E,1,08,0.9,,M,46.9,M,,*47", true, true,
        "", "", false, kNone, kNone, kNone},
       {"150 satellites: the height without a count",
