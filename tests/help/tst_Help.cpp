@@ -53,8 +53,8 @@ class tst_Help : public QObject {
   void showHelpFailures() {
     const QString notFound =
         QStringLiteral("Die Datei \n%1\nist nicht vorhanden!\nBitte selbst nach der Datei suchen.");
-    const QString noViewer =
-        QStringLiteral("Acrobat Reader o. Ä. nicht gefunden!\nHilfe finden Sie in der Datei \n%1\n");
+    const QString noViewer = QStringLiteral(
+        "Acrobat Reader o. Ä. nicht gefunden!\nHilfe finden Sie in der Datei \n%1\n");
     const struct {
       bool helpFile;
       const char* exec;  // nullptr: nothing associated
