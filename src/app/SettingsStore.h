@@ -4,6 +4,7 @@
 #include "platform/SettingValues.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <cstdint>
 #include <optional>
@@ -14,10 +15,14 @@ namespace marvento {
 struct StartupSettings {
   PollInterval interval;
   std::int16_t radiusPosition = 2;
+  // One line per stored value the program could not use and replaced by the key's default:
+  // "Einstellung Bit-Sek ungültig, 4800 verwendet".
+  QStringList replaced;
 };
 
-// Fills the state record from the store in the start-up order (keys "GPS" to "Radius");
-// the locals that only the window takes come back.
+// Fills the state record from the store in the start-up order (keys "GPS" to "Radius", and
+// "Gpsd"); the locals that only the window takes come back. A missing key takes its default;
+// so does a value the program cannot use, which is then named in `replaced`.
 StartupSettings ReadStartupSettings(Module1& state);
 
 // The window data stored at exit besides the state record.
@@ -28,7 +33,8 @@ struct ExitSettings {
   float topTwips = 1000;
 };
 
-// Stores every key but "MyHomeLoc" in the exit order; the position only when not minimised.
-void WriteExitSettings(const Module1& state, const ExitSettings& window);
+// Stores every key but "MyHomeLoc" in one write of the file; the position only when not
+// minimised. Nothing on success, else the German reason why the file kept its old values.
+std::optional<QString> WriteExitSettings(const Module1& state, const ExitSettings& window);
 
 }  // namespace marvento
