@@ -95,6 +95,9 @@ std::optional<QString> WriteExitSettings(const Module1& state, const ExitSetting
       {SettingKey::Protokoll, BooleanText(state.ProtokollOn)},
       {SettingKey::Loc10st, BooleanText(state.Loc10st)},
       {SettingKey::Radius, QString::number(window.radiusPosition)},
+      // Also stored at the dialog's OK; here too, so that a value replaced at start-up is
+      // repaired in the file.
+      {SettingKey::Gpsd, state.GpsdAddress},
   };
   if (!window.minimized) {
     values.emplace_back(SettingKey::MainLeft, TwipsText(window.leftTwips));

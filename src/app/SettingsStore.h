@@ -33,8 +33,9 @@ struct ExitSettings {
   float topTwips = 1000;
 };
 
-// Stores every key but "MyHomeLoc" in one write of the file; the position only when not
-// minimised. Nothing on success, else the German reason why the file kept its old values.
+// Stores every key but "MyHomeLoc" and the station programs' addresses in one write of the file;
+// the position only when not minimised. Nothing on success, else the German reason why the file
+// kept its old values.
 std::optional<QString> WriteExitSettings(const Module1& state, const ExitSettings& window);
 
 }  // namespace marvento
