@@ -355,7 +355,12 @@ QString CommControl::input() {
   const qsizetype length =
       m_inputLen > 0 ? std::min<qsizetype>(m_inputLen, m_buffer.size()) : m_buffer.size();
   const QString text = QString::fromLatin1(m_buffer.constData(), length);
-  m_buffer.remove(0, length);
+  // All taken: the memory of a large burst goes back at once.
+  if (length == m_buffer.size()) {
+    m_buffer.clear();
+  } else {
+    m_buffer.remove(0, length);
+  }
   return text;
 }
 
