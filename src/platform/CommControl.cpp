@@ -85,6 +85,10 @@ QSerialPort::StopBits toStopBits(int tenths) {
 
 }  // namespace
 
+namespace {
+constexpr qint64 kReadBufferBytes = 16 * 1024;
+}  // namespace
+
 std::optional<std::int16_t> ComNumberOf(const QString& comPort) {
   if (comPort.size() < 3) return std::nullopt;
   return ToInt16(Val(QStringView(comPort).mid(3)));
@@ -169,6 +173,9 @@ std::optional<LineSettings> ParseLineSettings(const QString& settings) {
 
 CommControl::CommControl(QObject* parent)
     : QObject(parent), m_port(std::make_unique<QSerialPort>()) {
+  // What waits beyond this stays in the system's buffer of the device: a port that delivers
+  // faster than it is read cannot fill the memory.
+  m_port->setReadBufferSize(kReadBufferBytes);
   connect(m_port.get(), &QSerialPort::readyRead, this, [this] {
     if (!checkHangUp()) emit readyRead();
   });
