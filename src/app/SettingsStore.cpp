@@ -7,6 +7,8 @@
 #include "platform/Numbers.h"
 #include "platform/Settings.h"
 
+#include <QStringList>
+
 namespace marvento {
 
 namespace {
@@ -34,6 +36,17 @@ QString portText(const Module1& state) {
 
 }  // namespace
 
+QString ReplacedSettingsText(const QList<std::pair<QString, QString>>& replaced) {
+  if (replaced.isEmpty()) return {};
+  if (replaced.size() == 1) {
+    return QStringLiteral("Einstellung %1 ungültig, %2 verwendet")
+        .arg(replaced[0].first, replaced[0].second);
+  }
+  QStringList items;
+  for (const auto& [key, used] : replaced) items << key + QStringLiteral(" = ") + used;
+  return QStringLiteral("Einstellungen ungültig, verwendet: ") + items.join(QStringLiteral(", "));
+}
+
 StartupSettings ReadStartupSettings(Module1& state) {
   StartupSettings result;
   // The stored value converted by parse; the default when missing, and also, named in
@@ -43,8 +56,7 @@ StartupSettings ReadStartupSettings(Module1& state) {
     const std::optional<QString> stored = StoredSetting(key);
     if (!stored) return defaultValue;
     if (const auto value = parse(*stored)) return *value;
-    result.replaced << QStringLiteral("Einstellung %1 ungültig, %2 verwendet")
-                           .arg(SettingName(key), defaultText);
+    result.replaced.append({SettingName(key), defaultText});
     return defaultValue;
   };
   auto boolean = [&read](SettingKey key) {

@@ -3,11 +3,12 @@
 #include "app/Module1.h"
 #include "platform/SettingValues.h"
 
+#include <QList>
 #include <QString>
-#include <QStringList>
 
 #include <cstdint>
 #include <optional>
+#include <utility>
 
 namespace marvento {
 
@@ -15,10 +16,14 @@ namespace marvento {
 struct StartupSettings {
   PollInterval interval;
   std::int16_t radiusPosition = 2;
-  // One line per stored value the program could not use and replaced by the key's default:
-  // "Einstellung Bit-Sek ungültig, 4800 verwendet".
-  QStringList replaced;
+  // Each stored value the program could not use: the key's name and the default taken.
+  QList<std::pair<QString, QString>> replaced;
 };
+
+// What lbInfo says about the replaced values: "Einstellung Bit-Sek ungültig, 4800 verwendet",
+// or for several "Einstellungen ungültig, verwendet: GPS = GPS aus, Bit-Sek = 4800". Empty
+// when nothing was replaced.
+QString ReplacedSettingsText(const QList<std::pair<QString, QString>>& replaced);
 
 // Fills the state record from the store in the start-up order (keys "GPS" to "Radius", and
 // "Gpsd"); the locals that only the window takes come back. A missing key takes its default;

@@ -206,9 +206,8 @@ class tst_SettingsFile : public QObject {
   void severalReplacedValuesInOneLine() {
     writeStore("[Settings]\nGPS=vielleicht\nBit-Sek=schnell\nCom=Com-5\n");
     frmMain* w = start();
-    QCOMPARE(w->lbInfo->text(), QStringLiteral("Einstellung GPS ungültig, GPS aus verwendet; "
-                                               "Einstellung Bit-Sek ungültig, 4800 verwendet; "
-                                               "Einstellung Com ungültig, Com1 verwendet"));
+    QCOMPARE(w->lbInfo->text(), QStringLiteral("Einstellungen ungültig, verwendet: GPS = GPS aus, "
+                                               "Bit-Sek = 4800, Com = Com1"));
   }
 
   // Regression: each key was written on its own, the whole file each time (4.7 s at exit
