@@ -4,6 +4,7 @@
 
 #include "app/frmMain.h"
 
+#include "gps/PtyFeeder.h"
 #include "platform/MsgBoxRecorder.h"
 #include "platform/Settings.h"
 #include "support/ProgramFixture.h"
@@ -12,10 +13,12 @@
 #include <QDir>
 #include <QFile>
 #include <QLabel>
+#include <QLineEdit>
 #include <QScopeGuard>
 #include <QtTest>
 
 #include <optional>
+#include <vector>
 
 #include <sched.h>
 #include <sys/inotify.h>
@@ -208,6 +211,28 @@ class tst_SettingsFile : public QObject {
     frmMain* w = start();
     QCOMPARE(w->lbInfo->text(), QStringLiteral("Einstellungen ungültig, verwendet: GPS = GPS aus, "
                                                "Bit-Sek = 4800, Com = Com1"));
+  }
+
+  // With reception on, the first poll clears lbInfo at once; the notice comes back when that
+  // poll has brought a fix, and the next poll's report takes its place.
+  void noticeOutlastsTheFirstPoll() {
+    test::Pty pty;
+    QVERIFY(pty.ok());
+    writeStore("[Settings]\nGPS=GPS an\nCom=Com1\nBit-Sek=schnell\n[Ports]\nCom1=" +
+               QFile::encodeName(pty.path()) + '\n');
+    const QByteArray fix =
+        "$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59\r\n"
+        "$GNRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*74\r\n";
+    std::vector<test::Piece> pieces(200, test::Piece{50, fix + fix + fix});
+    test::PtyFeeder feeder(pty, std::move(pieces));
+    const QString notice = QStringLiteral("Einstellung Bit-Sek ungültig, 4800 verwendet");
+    frmMain* w = start();
+    QTRY_VERIFY_WITH_TIMEOUT(!w->isPolling() && !w->tbMyLg->text().isEmpty(), 10000);
+    QCOMPARE(w->lbInfo->text(), notice);
+    w->Timer1_Timer();
+    QTRY_VERIFY_WITH_TIMEOUT(!w->isPolling(), 10000);
+    QVERIFY(!w->lbInfo->text().isEmpty());  // the height line of the new fix
+    QVERIFY(w->lbInfo->text() != notice);
   }
 
   // Regression: each key was written on its own, the whole file each time (4.7 s at exit
