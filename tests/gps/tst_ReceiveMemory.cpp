@@ -121,8 +121,10 @@ bool resetPeak() {
 }
 
 // Extra memory allowed beyond the level before the flood: well above what the buffers need,
-// well below what an unbounded buffer takes in seconds at full speed.
+// well below what an unbounded buffer takes in seconds at full speed. Over a socket the
+// system's receive buffer (several megabytes) may be taken in at one read.
 constexpr qint64 kMarginMb = 12;
+constexpr qint64 kSocketMarginMb = 24;
 
 }  // namespace
 
@@ -244,12 +246,13 @@ class tst_ReceiveMemory : public QObject {
     const qint64 peak = statusMb(self, "VmHWM");
     qInfo("%s: resident memory %lld MB before, peak %lld MB; %lld MB sent", qPrintable(reader),
           before, peak, server.sent() >> 20);
-    QVERIFY2(peak <= before + kMarginMb, "peak resident memory grew");
+    QVERIFY2(peak <= before + kSocketMarginMb, "peak resident memory grew");
     if (reader == u"rotctld") {
       // The reply reader gives up on a line longer than any answer and drops the connection.
       QCOMPARE(rotorFailed.count(), 1);
     } else {
-      QVERIFY2(server.sent() >= (16 << 20), "the reader took in too little to tell anything");
+      // Far more than the margin: kept, it would show.
+      QVERIFY2(server.sent() >= (64 << 20), "the reader took in too little to tell anything");
     }
   }
 };
