@@ -16,6 +16,7 @@
 #include <QThread>
 #include <QtTest>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <random>
@@ -114,6 +115,14 @@ class FloodServer {
   std::jthread m_thread;
 };
 
+// AddressSanitizer keeps freed memory in quarantine, so resident sizes say nothing there; the
+// floods still run, for the sanitizer's sake.
+#ifdef MARVENTO_ASAN
+constexpr bool kMeasured = false;
+#else
+constexpr bool kMeasured = true;
+#endif
+
 // Resets the peak resident memory of this process to what it holds now.
 bool resetPeak() {
   QFile file(QStringLiteral("/proc/self/clear_refs"));
@@ -135,9 +144,6 @@ class tst_ReceiveMemory : public QObject {
   // Regression: random bytes at full speed made the resident memory of the program grow by
   // tens of megabytes during one exchange, and stay up after it.
   void randomBytesIntoTheProgram() {
-#ifdef MARVENTO_ASAN
-    QSKIP("AddressSanitizer keeps freed memory in quarantine; resident sizes say nothing here");
-#endif
     const QString program = QStringLiteral(MARVENTO_BUILD_DIR "/src/marvento");
     QVERIFY2(QFileInfo::exists(program), qPrintable(program));
     // The receiver's side of a pseudo-terminal, raw, written without blocking: between two
@@ -188,7 +194,9 @@ class tst_ReceiveMemory : public QObject {
     QElapsedTimer clock;
     clock.start();
     while (clock.elapsed() < 8000 && child.state() == QProcess::Running) {
-      const ssize_t n = ::write(master, bytes.constData() + (sent % bytes.size()), 65536);
+      const qsizetype at = sent % bytes.size();
+      const ssize_t n = ::write(master, bytes.constData() + at,
+                                static_cast<size_t>(std::min<qsizetype>(65536, bytes.size() - at)));
       if (n > 0) {
         sent += n;
       } else {
@@ -205,6 +213,7 @@ class tst_ReceiveMemory : public QObject {
           peak, after, sent >> 20);
     QVERIFY2(child.state() == QProcess::Running, "the program ended");
     QVERIFY2(sent >= (4 << 20), "the program took in too little to tell anything");
+    if (!kMeasured) QSKIP("resident sizes mean nothing under AddressSanitizer");
     QVERIFY2(peak <= before + kMarginMb, "peak resident memory grew");
     QVERIFY2(after <= before + kMarginMb / 2, "resident memory did not come back");
   }
@@ -219,9 +228,6 @@ class tst_ReceiveMemory : public QObject {
   // gpsd's line reader, the rotctld reply reader and the JS8Call link each hold a bound: a
   // peer that sends without a line end for seconds costs no memory.
   void linesWithoutEnd() {
-#ifdef MARVENTO_ASAN
-    QSKIP("AddressSanitizer keeps freed memory in quarantine; resident sizes say nothing here");
-#endif
     QFETCH(QString, reader);
     const QString self = QString::number(QCoreApplication::applicationPid());
     FloodServer server;
@@ -246,14 +252,16 @@ class tst_ReceiveMemory : public QObject {
     const qint64 peak = statusMb(self, "VmHWM");
     qInfo("%s: resident memory %lld MB before, peak %lld MB; %lld MB sent", qPrintable(reader),
           before, peak, server.sent() >> 20);
-    QVERIFY2(peak <= before + kSocketMarginMb, "peak resident memory grew");
     if (reader == u"rotctld") {
       // The reply reader gives up on a line longer than any answer and drops the connection.
       QCOMPARE(rotorFailed.count(), 1);
     } else {
       // Far more than the margin: kept, it would show.
-      QVERIFY2(server.sent() >= (64 << 20), "the reader took in too little to tell anything");
+      QVERIFY2(server.sent() >= (kMeasured ? 64 << 20 : 1 << 20),
+               "the reader took in too little to tell anything");
     }
+    if (!kMeasured) QSKIP("resident sizes mean nothing under AddressSanitizer");
+    QVERIFY2(peak <= before + kSocketMarginMb, "peak resident memory grew");
   }
 };
 
