@@ -54,6 +54,7 @@ frmMain* Main() {
 
   window->Form_Load();
   window->lbInfo->clear();
+  window->showNotice(ReplacedSettingsText(settings.replaced));
   window->Timer1->setInterval(settings.interval.milliseconds);
   window->Combo1->setCurrentIndex(settings.radiusPosition);
   SetTimerEnabled(window->Timer1, !GpsOff(state));

@@ -758,12 +758,22 @@ void frmMain::startPoll(std::function<void()> then) {
   LockEntry();
   m_sub->poll->poll(m_state.ComNumber, m_state.ComSettings, [this, then = std::move(then)] {
     if (then) then();
+    if (!m_notice.isEmpty() && m_sub->poll->GpsTries() == 0) {
+      lbInfo->setText(m_notice);
+      m_notice.clear();
+    }
     // A log line the disk refused is tried again after each poll, and its warning stays in
     // sight (a poll clears lbInfo) until a line is written; a failed try has the label.
     if (m_sub->log->warning().isEmpty()) return;
     if (GpsOn(m_state) && m_state.ProtokollOn) WriteGpsLog();
     if (m_sub->poll->GpsTries() == 0) m_sub->log->showWarning();
   });
+}
+
+void frmMain::showNotice(const QString& text) {
+  if (text.isEmpty()) return;
+  lbInfo->setText(text);
+  if (GpsOn(m_state)) m_notice = text;
 }
 
 bool frmMain::isPolling() const {
@@ -873,7 +883,13 @@ void frmMain::Form_Unload() {
   window.minimized = isMinimized();
   window.leftTwips = static_cast<float>(PxToTwips(x()));
   window.topTwips = static_cast<float>(PxToTwips(y()));
-  WriteExitSettings(m_state, window);
+  if (const std::optional<QString> reason = WriteExitSettings(m_state, window)) {
+    Beep();
+    MsgBox(QStringLiteral("Die Einstellungen konnten nicht gespeichert werden:\n") +
+               SettingsFilePath() + u'\n' + *reason +
+               QStringLiteral("\nDie Datei behält die Einstellungen des letzten Programmendes."),
+           vbExclamation, QStringLiteral(" Marvento: Programmende"));
+  }
   for (QWidget* other : QApplication::topLevelWidgets()) {
     if (other != this && other->isVisible()) other->close();
   }

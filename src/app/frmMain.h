@@ -133,6 +133,10 @@ class frmMain : public QMainWindow {
   // The process end of the second-instance guard; tests replace it.
   static std::function<void()>& exitProcess();
 
+  // A word to the user in lbInfo that a poll does not wipe out at once: with reception on, it
+  // comes back after the next good poll, and then gives way to what the polls report.
+  void showNotice(const QString& text);
+
   // The stations as the last computation left them.
   StationPair stationPair() const;
 
@@ -184,6 +188,7 @@ class frmMain : public QMainWindow {
   bool m_insertMode = true;
   bool m_activatePending = false;
   bool m_passingKey = false;
+  QString m_notice;             // shown again after the next good poll
   bool m_reverseShown = false;  // F3 showed the opposite bearing since the last computation
   int m_baseClientWidth = 0;
   struct Subsystems;

@@ -32,6 +32,9 @@ QString reasonFor(int error) {
     case EDQUOT: return QStringLiteral("Speicherkontingent ist erschöpft");
     case EISDIR: return QStringLiteral("ist ein Verzeichnis");
     case ENOENT: return QStringLiteral("Verzeichnis nicht gefunden");
+    case ELOOP: return QStringLiteral("ist eine symbolische Verknüpfung");
+    case ENXIO:
+    case EINVAL: return QStringLiteral("ist keine gewöhnliche Datei");
     default: return QString::fromLocal8Bit(std::strerror(error));
   }
 }
@@ -52,11 +55,16 @@ QString LogDateText(QDate date) {
 
 std::optional<QString> AppendToFile(const QString& path, const QString& text) {
   const QByteArray name = QFile::encodeName(path);
-  const int fd = ::open(name.constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+  // A link put in the log's place would have each line written into its target, which may be
+  // any file the user (or root) may write; a pipe without reader would hang the window.
+  const int fd = ::open(name.constData(),
+                        O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0666);
   if (fd < 0) return failure(errno, path);
-  // A line cut off by a full disk is taken back, so that the next one does not stick to it.
   struct stat before {};
-  const bool regular = ::fstat(fd, &before) == 0 && S_ISREG(before.st_mode);
+  if (::fstat(fd, &before) != 0 || !S_ISREG(before.st_mode)) {
+    ::close(fd);
+    return failure(EINVAL, path);
+  }
   const QByteArray bytes = text.toUtf8();
   qsizetype done = 0;
   while (done < bytes.size()) {
@@ -65,7 +73,8 @@ std::optional<QString> AppendToFile(const QString& path, const QString& text) {
     if (n <= 0) {
       if (n < 0 && errno == EINTR) continue;
       const int error = n < 0 ? errno : ENOSPC;
-      if (regular && done > 0) {
+      // A line cut off by a full disk is taken back, so that the next one does not stick to it.
+      if (done > 0) {
         [[maybe_unused]] const int cut = ::ftruncate(fd, before.st_size);
       }
       ::close(fd);

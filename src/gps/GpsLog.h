@@ -18,9 +18,10 @@ class Clock;
 // The date in the machine's short form, with four-digit years ("18.11.2026" in German).
 QString LogDateText(QDate date);
 
-// Appends text to a file, creating it if missing: all of it, or nothing (a regular file is
-// cut back to its old length when the disk fills up). Nothing on success, else a German
-// reason with the full path.
+// Appends text to a regular file, creating it if missing: all of it, or nothing (the file is
+// cut back to its old length when the disk fills up). A symbolic link or any other kind of
+// file in its place is refused and left as it is. Nothing on success, else a German reason
+// with the full path.
 std::optional<QString> AppendToFile(const QString& path, const QString& text);
 
 // The controls the log reads (panel2 is the second status panel) and writes.

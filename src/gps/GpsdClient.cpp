@@ -123,6 +123,9 @@ QString GpsdMessage(GpsdOutcome outcome, const QString& address, const QString& 
 GpsdClient::GpsdClient(QObject* parent)
     : QObject(parent), m_socket(new QTcpSocket(this)), m_deadline(new QTimer(this)) {
   m_deadline->setSingleShot(true);
+  // What gpsd sends beyond this waits in the system until it is read: a peer that floods the
+  // connection cannot fill the memory between two reads.
+  m_socket->setReadBufferSize(GpsdReplyReader::kMaxLine);
   connect(m_socket, &QTcpSocket::connected, this, &GpsdClient::connected);
   connect(m_socket, &QTcpSocket::readyRead, this, &GpsdClient::readReplies);
   connect(m_socket, &QTcpSocket::errorOccurred, this, &GpsdClient::socketFailed);

@@ -7,6 +7,14 @@ namespace marvento {
 SentenceScanner::Step SentenceScanner::add(QStringView chunk) {
   m_received += chunk;
   const SentenceSearch found = FindKnownSentence(m_received);
+  if (found.result != SentenceSearch::Result::Found && m_received.size() > kMaxReceived) {
+    // A copy of the tail, so that the memory of a long text goes back at once.
+    m_received = QStringView(m_received).right(kMaxReceived).toString();
+    // The sentence begun may have been cut off at its start.
+    return FindKnownSentence(m_received).result == SentenceSearch::Result::Incomplete
+               ? Step::Incomplete
+               : Step::NoKnownType;
+  }
   switch (found.result) {
     case SentenceSearch::Result::None: return Step::NoKnownType;
     case SentenceSearch::Result::Incomplete: return Step::Incomplete;

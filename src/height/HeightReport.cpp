@@ -38,6 +38,8 @@ QString reasonFor(int error) {
     case ENOENT:
     case ENOTDIR: return QStringLiteral("Der Ordner ist nicht vorhanden.");
     case EIO: return QStringLiteral("Ein-/Ausgabefehler beim Schreiben.");
+    case ELOOP: return QStringLiteral("Die Datei ist eine symbolische Verknüpfung.");
+    case EINVAL: return QStringLiteral("Die Datei ist keine gewöhnliche Datei.");
     default: return QString::fromLocal8Bit(std::strerror(error));
   }
 }
@@ -53,6 +55,16 @@ int writeAll(int fd, const QByteArray& bytes) {
     done += n;
   }
   return 0;
+}
+
+// 0 when target is missing or a regular file; ELOOP for a symbolic link, EINVAL for any other
+// kind. The report replaces only a file of its own kind: a link's target is not touched, and
+// the link is not silently turned into a file either.
+int refusedTarget(const QByteArray& target) {
+  struct stat info {};
+  if (::lstat(target.constData(), &info) != 0) return 0;
+  if (S_ISLNK(info.st_mode)) return ELOOP;
+  return S_ISREG(info.st_mode) ? 0 : EINVAL;
 }
 
 }  // namespace
@@ -90,9 +102,15 @@ HeightReportResult WriteHeightReport(const QString& folder, const QString& text)
   const QString target = QDir(folder).filePath(kHeightReportName);
   result.path = QDir::toNativeSeparators(target);
 
+  const QByteArray targetName = QFile::encodeName(target);
+  if (const int refused = refusedTarget(targetName)) {
+    result.reason = reasonFor(refused);
+    return result;
+  }
+
   // The new report goes into a file of its own beside the old one and takes its place only
   // when it is whole: a full disk leaves the old report as it was.
-  QByteArray temp = QFile::encodeName(target) + ".XXXXXX";
+  QByteArray temp = targetName + ".XXXXXX";
   const int fd = ::mkostemp(temp.data(), O_CLOEXEC);
   if (fd < 0) {
     result.reason = reasonFor(errno);
@@ -104,9 +122,9 @@ HeightReportResult WriteHeightReport(const QString& folder, const QString& text)
   if (error == 0) error = writeAll(fd, text.toUtf8());
   if (error == 0 && ::fsync(fd) != 0) error = errno;
   if (::close(fd) != 0 && error == 0) error = errno;
-  if (error == 0 && ::rename(temp.constData(), QFile::encodeName(target).constData()) != 0) {
-    error = errno;
-  }
+  // A link put there while the report was written is refused as well.
+  if (error == 0) error = refusedTarget(targetName);
+  if (error == 0 && ::rename(temp.constData(), targetName.constData()) != 0) error = errno;
   if (error != 0) {
     ::unlink(temp.constData());
     result.reason = reasonFor(error);

@@ -28,7 +28,8 @@ struct HeightReportResult {
 };
 
 // Replaces folder/HoeheAusw.txt as a whole with the text in UTF-8, or leaves the old file
-// untouched when the new one cannot be written in full.
+// untouched when the new one cannot be written in full. A symbolic link or anything else but
+// a regular file of that name is refused and left as it is.
 HeightReportResult WriteHeightReport(const QString& folder, const QString& text);
 
 // Ctrl+A: writes the report and tells the user where it went, or why it could not be written.

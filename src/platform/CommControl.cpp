@@ -149,6 +149,10 @@ CommResult DeviceOpenFailure(int error, const QString& path, const QString& name
   }
 }
 
+namespace {
+constexpr qint64 kReadBufferBytes = 16 * 1024;
+}  // namespace
+
 std::optional<std::int16_t> ComNumberOf(const QString& comPort) {
   if (comPort.size() < 3) return std::nullopt;
   return ToInt16(Val(QStringView(comPort).mid(3)));
@@ -233,6 +237,9 @@ std::optional<LineSettings> ParseLineSettings(const QString& settings) {
 
 CommControl::CommControl(QObject* parent)
     : QObject(parent), m_port(std::make_unique<QSerialPort>()) {
+  // What waits beyond this stays in the system's buffer of the device: a port that delivers
+  // faster than it is read cannot fill the memory.
+  m_port->setReadBufferSize(kReadBufferBytes);
   connect(m_port.get(), &QSerialPort::readyRead, this, [this] {
     if (!checkHangUp()) emit readyRead();
   });
@@ -400,7 +407,12 @@ QString CommControl::input() {
   const qsizetype length =
       m_inputLen > 0 ? std::min<qsizetype>(m_inputLen, m_buffer.size()) : m_buffer.size();
   const QString text = QString::fromLatin1(m_buffer.constData(), length);
-  m_buffer.remove(0, length);
+  // All taken: the memory of a large burst goes back at once.
+  if (length == m_buffer.size()) {
+    m_buffer.clear();
+  } else {
+    m_buffer.remove(0, length);
+  }
   return text;
 }
 

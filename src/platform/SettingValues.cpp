@@ -45,6 +45,25 @@ std::optional<std::int16_t> ReadRadiusPosition(const QString& text) {
   return position;
 }
 
+std::optional<std::int32_t> ReadBaudRate(const QString& text) {
+  static const QRegularExpression digits(QStringLiteral("^[0-9]{1,7}$"));
+  const QString number = text.trimmed();
+  if (!digits.match(number).hasMatch()) return std::nullopt;
+  const int rate = number.toInt();
+  if (rate < 50 || rate > 4000000) return std::nullopt;
+  return rate;
+}
+
+std::optional<std::int16_t> ReadPortNumber(const QString& text) {
+  static const QRegularExpression name(QStringLiteral("^com([0-9]{1,2})$"),
+                                       QRegularExpression::CaseInsensitiveOption);
+  const QRegularExpressionMatch match = name.match(text.trimmed());
+  if (!match.hasMatch()) return std::nullopt;
+  const int number = match.captured(1).toInt();
+  if (number < 1 || number > 29) return std::nullopt;
+  return static_cast<std::int16_t>(number);
+}
+
 QString BooleanText(bool value) {
   return value ? QStringLiteral("True") : QStringLiteral("False");
 }

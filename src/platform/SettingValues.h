@@ -18,6 +18,11 @@ struct PollInterval {
 };
 std::optional<PollInterval> ReadInterval(const QString& text);
 std::optional<std::int16_t> ReadRadiusPosition(const QString& text);
+// A baud rate a serial port can be set to: a whole number from 50 to 4,000,000 (the range of
+// Linux's rate constants), written in digits alone; blanks around it are ignored.
+std::optional<std::int32_t> ReadBaudRate(const QString& text);
+// The number of a port name "Com1" to "Com29" (any case; digits alone after "Com").
+std::optional<std::int16_t> ReadPortNumber(const QString& text);
 
 // The texts written at exit. A window position reads back as the same single.
 QString BooleanText(bool value);

@@ -2,10 +2,22 @@
 
 #include "platform/Numbers.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QSettings>
 #include <QStringList>
 
+#include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <csignal>
+#include <cstring>
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace marvento {
 
@@ -35,6 +47,60 @@ void write(const QString& group, const QString& key, const QString& value) {
 const QString kSettingsGroup = QStringLiteral("Settings");
 const QString kPortsGroup = QStringLiteral("Ports");
 
+QString reasonFor(int error) {
+  switch (error) {
+    case ENOSPC: return QStringLiteral("Der Datenträger ist voll.");
+    case EDQUOT: return QStringLiteral("Das Speicherkontingent ist erschöpft.");
+    case EFBIG: return QStringLiteral("Die Datei überschreitet die erlaubte Größe.");
+    case EACCES:
+    case EPERM: return QStringLiteral("Keine Schreibberechtigung im Ordner.");
+    case EROFS: return QStringLiteral("Das Dateisystem ist schreibgeschützt.");
+    case ENOENT:
+    case ENOTDIR: return QStringLiteral("Der Ordner ist nicht vorhanden.");
+    case EIO: return QStringLiteral("Ein-/Ausgabefehler beim Schreiben.");
+    default: return QString::fromLocal8Bit(std::strerror(error));
+  }
+}
+
+// QSettings tells only that its write failed. The same write of `size` bytes into a file of
+// its own beside the settings file shows why; 0 when that one goes through.
+int probeWrite(const QString& folder, qint64 size) {
+  QByteArray name = QFile::encodeName(folder) + "/.Marvento.conf.probe.XXXXXX";
+  const int fd = ::mkostemp(name.data(), O_CLOEXEC);
+  if (fd < 0) return errno;
+  int error = 0;
+  const QByteArray block(4096, '\n');
+  for (qint64 done = 0; done < size && error == 0;) {
+    const ssize_t n = ::write(fd, block.constData(),
+                              static_cast<size_t>(std::min<qint64>(block.size(), size - done)));
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) error = n < 0 ? errno : ENOSPC;
+    done += n > 0 ? n : 0;
+  }
+  if (error == 0 && ::fsync(fd) != 0) error = errno;
+  ::close(fd);
+  ::unlink(name.constData());
+  return error;
+}
+
+// A limit on the file size ends the process with SIGXFSZ instead of failing the write; while
+// the settings are written, the write fails and the user is told.
+class FileSizeSignalIgnored {
+ public:
+  FileSizeSignalIgnored() {
+    struct sigaction ignore {};
+    ignore.sa_handler = SIG_IGN;
+    ::sigemptyset(&ignore.sa_mask);
+    ::sigaction(SIGXFSZ, &ignore, &m_previous);
+  }
+  ~FileSizeSignalIgnored() { ::sigaction(SIGXFSZ, &m_previous, nullptr); }
+  FileSizeSignalIgnored(const FileSizeSignalIgnored&) = delete;
+  FileSizeSignalIgnored& operator=(const FileSizeSignalIgnored&) = delete;
+
+ private:
+  struct sigaction m_previous {};
+};
+
 }  // namespace
 
 QString SettingName(SettingKey key) {
@@ -63,8 +129,43 @@ QString GetSetting(SettingKey key, const QString& defaultValue) {
   return read(kSettingsGroup, SettingName(key), defaultValue);
 }
 
+std::optional<QString> StoredSetting(SettingKey key) {
+  // A text no value can hold stands for the missing key.
+  const QString missing(1, QChar(0xFFFF));
+  QString text = read(kSettingsGroup, SettingName(key), missing);
+  if (text == missing) return std::nullopt;
+  return text;
+}
+
 void SaveSetting(SettingKey key, const QString& value) {
   write(kSettingsGroup, SettingName(key), value);
+}
+
+std::optional<QString> SaveSettings(const std::vector<std::pair<SettingKey, QString>>& values) {
+  const FileSizeSignalIgnored guard;
+  QSettings settings = store();
+  // QSettings writes through a file of its own that replaces the old one when it is whole.
+  settings.setAtomicSyncRequired(true);
+  settings.beginGroup(kSettingsGroup);
+  for (const auto& [key, value] : values) settings.setValue(SettingName(key), value);
+  settings.endGroup();
+  settings.sync();
+  if (settings.status() == QSettings::NoError) return std::nullopt;
+  const QFileInfo file(settings.fileName());
+  if (!file.dir().exists() &&
+      ::mkdir(QFile::encodeName(file.absolutePath()).constData(), 0700) != 0) {
+    return reasonFor(errno);
+  }
+  // The new file is about as large as the old one, plus the keys that were missing.
+  const int error = probeWrite(file.absolutePath(), file.size() + 4096);
+  if (error != 0) return reasonFor(error);
+  return settings.status() == QSettings::FormatError
+             ? QStringLiteral("Die Datei hat ein unlesbares Format.")
+             : QStringLiteral("Die Datei konnte nicht ersetzt werden.");
+}
+
+QString SettingsFilePath() {
+  return store().fileName();
 }
 
 float GetTwipsSetting(SettingKey key) {

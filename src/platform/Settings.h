@@ -2,6 +2,10 @@
 
 #include <QString>
 
+#include <optional>
+#include <utility>
+#include <vector>
+
 namespace marvento {
 
 // Every key of the per-user store. The store is QSettings in native format, organisation and
@@ -31,7 +35,17 @@ QString SettingName(SettingKey key);
 
 // A missing key gives the default; an existing empty value gives the empty text.
 QString GetSetting(SettingKey key, const QString& defaultValue);
+// The stored text, or nothing when the key is missing.
+std::optional<QString> StoredSetting(SettingKey key);
 void SaveSetting(SettingKey key, const QString& value);
+
+// Stores all the values in one write of the file, which replaces the old one only when it
+// is whole: a failed write leaves the old file as it was. Nothing on success, else the
+// German reason, such as "Der Datenträger ist voll."
+std::optional<QString> SaveSettings(const std::vector<std::pair<SettingKey, QString>>& values);
+
+// The full name of the settings file.
+QString SettingsFilePath();
 
 // A window position in twips as stored under key; 1000 when missing or no number.
 float GetTwipsSetting(SettingKey key);

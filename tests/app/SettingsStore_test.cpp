@@ -3,8 +3,16 @@
 #include "platform/Settings.h"
 
 #include <gtest/gtest.h>
+#include <QDir>
+#include <QFile>
 #include <QSettings>
 #include <QTemporaryDir>
+
+#include <cstdio>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace marvento {
 namespace {
@@ -51,6 +59,41 @@ TEST_F(SettingsStoreFile, HandEditedValuesOutsideTheLimitsFallBackPerKey) {
   EXPECT_EQ(state.GpsIntervalSeconds, 30);
   EXPECT_EQ(settings.radiusPosition, 2);
   EXPECT_TRUE(state.Loc10st);  // the valid keys around them still count
+}
+
+// Regression: with a limit on the file size the process was ended by SIGXFSZ in the middle
+// of the exit, and the settings were lost without a word.
+TEST_F(SettingsStoreFile, FileSizeLimitKeepsTheOldFileAndTellsWhy) {
+  Module1 state;
+  state.GpsStatus = QStringLiteral("GPS aus");
+  state.ComSettings = QStringLiteral("4800,N,8,1");
+  state.ComPort = QStringLiteral("Com1");
+  ASSERT_EQ(WriteExitSettings(state, ExitSettings{}), std::nullopt);
+  const QString path = m_dir.path() + QStringLiteral("/Marvento/Marvento.conf");
+  QFile file(path);
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  const QByteArray old = file.readAll();
+  file.close();
+
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    // Files may grow to half the old one's size: the new one, as long, cannot be written.
+    const rlimit limit{rlim_t(old.size() / 2), rlim_t(old.size() / 2)};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    state.GradDezimal = true;
+    const std::optional<QString> reason = WriteExitSettings(state, ExitSettings{});
+    const bool told = reason == QStringLiteral("Die Datei überschreitet die erlaubte Größe.");
+    if (!told) std::fprintf(stderr, "reason: %s\n", reason ? qPrintable(*reason) : "none");
+    ::_exit(told ? 0 : 1);
+  }
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "ended by signal or wrong reason";
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  EXPECT_EQ(file.readAll(), old);
+  EXPECT_EQ(QDir(m_dir.path() + QStringLiteral("/Marvento")).entryList(QDir::Files | QDir::Hidden),
+            QStringList{QStringLiteral("Marvento.conf")});
 }
 
 }  // namespace

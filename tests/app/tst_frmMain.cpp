@@ -98,24 +98,26 @@ class tst_frmMain : public QObject {
     m_user.reset();
   }
 
-  // The stored values reach the window; any stored status but "GPS aus" starts reception.
+  // The stored values reach the window; the status "GPS an" starts reception.
   void storedValuesReachTheWindow() {
+    test::SetNoPortDevices();
     SaveSetting(SettingKey::GpsInterval, QStringLiteral("66"));
     SaveSetting(SettingKey::Radius, QStringLiteral("-1"));
-    SaveSetting(SettingKey::Gps, QStringLiteral("GPS irgendwas"));
+    SaveSetting(SettingKey::Gps, QStringLiteral("GPS an"));
     SaveSetting(SettingKey::Protokoll, QStringLiteral("True"));
     frmMain* w = start();
     QCOMPARE(w->Timer1->interval(), 65000);
     QVERIFY(w->Combo1->currentText().isEmpty());
     QVERIFY(w->Timer1->isActive());
-    QCOMPARE(w->Panel1->text(), QStringLiteral("Status: GPS irgendwas (Com1)"));
+    QCOMPARE(w->Panel1->text(), QStringLiteral("Status: GPS an (Com1)"));
     QVERIFY(w->mnuProtokoll->isChecked());
     w->mnuProtokoll->trigger();
     QCOMPARE(state().ProtokollOn, false);
     // A device path chosen as the port is named by its port.
+    test::ClearPortDevices();
     state().ComPort = QStringLiteral("/dev/ttyUSB0");
     w->Form_Resize();
-    QCOMPARE(w->Panel1->text(), QStringLiteral("Status: GPS irgendwas (Com9)"));
+    QCOMPARE(w->Panel1->text(), QStringLiteral("Status: GPS an (Com9)"));
   }
 
   void oneEnterShowsOneBox_data() {

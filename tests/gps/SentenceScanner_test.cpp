@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <utility>
+#include <vector>
 
 namespace marvento {
 namespace {
@@ -69,6 +70,59 @@ TEST(SentenceScanner, ChunksWithASentenceStart) {
   };
   for (const auto& [chunk, holds] : cases) {
     EXPECT_EQ(HoldsSentenceStart(QString::fromLatin1(chunk)), holds) << chunk;
+  }
+}
+
+// Garbage of the same letters a receiver sends, but without "$": no sentence can begin in it.
+QString garbage(qsizetype size) {
+  QString text(size, u'x');
+  for (qsizetype i = 0; i < size; ++i) text[i] = QChar(static_cast<char16_t>(u'A' + (i * 7919) % 26));
+  return text;
+}
+
+// Regression: the receive text of one exchange grew with everything a port delivered
+// (hundreds of megabytes from a port sending garbage at full speed).
+TEST(SentenceScanner, KeepsOnlyTheTailOfALongText) {
+  const struct {
+    const char* name;
+    std::vector<QString> chunks;
+    Step step;
+    QString sentence;
+  } cases[] = {
+      {"megabytes of garbage in small chunks, then a sentence",
+       [] {
+         std::vector<QString> chunks(1000, garbage(4000));
+         chunks.push_back(kGngga + kGsa);
+         return chunks;
+       }(),
+       Step::Found, kGngga},
+      {"a sentence inside one chunk of a megabyte",
+       {garbage(500000) + kGnrmc + kGsa + garbage(500000)},
+       Step::Found,
+       kGnrmc},
+      {"a sentence begun before the garbage that follows it exceeds the bound",
+       {garbage(100), kGngga.left(40), garbage(SentenceScanner::kMaxReceived),
+        kGngga.mid(40) + u'$'},
+       Step::NoKnownType,
+       {}},
+      {"a sentence begun at the end of a long chunk, finished in the next",
+       {garbage(3 * SentenceScanner::kMaxReceived) + kGnrmc.left(20), kGnrmc.mid(20) + kGsa},
+       Step::Found,
+       kGnrmc},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    SentenceScanner scanner;
+    Step step = Step::NoKnownType;
+    for (const QString& chunk : c.chunks) {
+      step = scanner.add(chunk);
+      if (step == Step::Found) break;
+      EXPECT_LE(scanner.received().size(), SentenceScanner::kMaxReceived);
+    }
+    EXPECT_EQ(step, c.step);
+    if (step == Step::Found) {
+      EXPECT_EQ(scanner.sentence(), c.sentence);
+    }
   }
 }
 

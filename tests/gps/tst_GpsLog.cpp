@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
@@ -14,6 +15,8 @@
 #include <QtTest>
 
 #include <csignal>
+
+#include <sys/stat.h>
 
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -99,19 +102,20 @@ class TestGpsLog : public QObject {
   }
 
   void failedWriteIsToldAndRetried_data() {
-    QTest::addColumn<bool>("fullDisk");
+    QTest::addColumn<bool>("link");
     QTest::addColumn<QString>("reason");
     // A directory of the log's name cannot be opened for writing, not even by root.
     QTest::newRow("directory of the log's name") << false << QStringLiteral("ist ein Verzeichnis");
-    QTest::newRow("full disk") << true << QStringLiteral("Datenträger ist voll");
+    QTest::newRow("link to a full device")
+        << true << QStringLiteral("ist eine symbolische Verknüpfung");
   }
 
-  // Regression: the warning of a full disk vanished with the next poll, which clears lbInfo.
+  // Regression: the warning of a failed write vanished with the next poll, which clears lbInfo.
   void failedWriteIsToldAndRetried() {
-    QFETCH(bool, fullDisk);
+    QFETCH(bool, link);
     QFETCH(QString, reason);
-    QVERIFY(fullDisk ? QFile::link(QStringLiteral("/dev/full"), GpsLog::kFileName)
-                     : QDir(m_dir->path()).mkdir(GpsLog::kFileName));
+    QVERIFY(link ? QFile::link(QStringLiteral("/dev/full"), GpsLog::kFileName)
+                 : QDir(m_dir->path()).mkdir(GpsLog::kFileName));
     write("12:35:19", "JO31AB");
     const QString warning = QStringLiteral("Protokoll nicht schreibbar: %1 (%2)")
                                 .arg(reason, m_dir->filePath(GpsLog::kFileName));
@@ -123,14 +127,55 @@ class TestGpsLog : public QObject {
     QCOMPARE(m_lbInfo.text(), warning);
 
     // Once the way is free, the same line is written at the next call and the warning goes.
-    QVERIFY(fullDisk ? QFile::remove(GpsLog::kFileName)
-                     : QDir(m_dir->path()).rmdir(GpsLog::kFileName));
+    QVERIFY(link ? QFile::remove(GpsLog::kFileName) : QDir(m_dir->path()).rmdir(GpsLog::kFileName));
     m_log->WriteGpsLog();
     QCOMPARE(fileBytes(), QByteArray("18.11.2026    12:35:19      JO31AB\r\n"));
     QCOMPARE(m_log->LastLogLoc(), QStringLiteral("JO31AB"));
     QCOMPARE(m_lbInfo.text(), QString());
     m_log->showWarning();
     QCOMPARE(m_lbInfo.text(), QString());
+  }
+
+  void linkIsNotFollowed_data() {
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("link to a file") << "file" << QStringLiteral("ist eine symbolische Verknüpfung");
+    QTest::newRow("dangling link")
+        << "dangling" << QStringLiteral("ist eine symbolische Verknüpfung");
+    // A pipe without a reader would block the window for good if it were opened as a file.
+    QTest::newRow("pipe") << "fifo" << QStringLiteral("ist keine gewöhnliche Datei");
+  }
+
+  // Regression: each fix appended a line to the target of a link put in the log's place.
+  void linkIsNotFollowed() {
+    QFETCH(QString, kind);
+    QFETCH(QString, reason);
+    const QString target = m_dir->filePath(QStringLiteral("passwd"));
+    const QByteArray bytes = "root:x:0:0:root:/root:/bin/bash\n";
+    if (kind == u"file") {
+      QFile file(target);
+      QVERIFY(file.open(QIODevice::WriteOnly));
+      file.write(bytes);
+    }
+    if (kind == u"fifo") {
+      QCOMPARE(::mkfifo(QFile::encodeName(GpsLog::kFileName).constData(), 0644), 0);
+    } else {
+      QVERIFY(QFile::link(target, GpsLog::kFileName));
+    }
+
+    write("12:35:19", "JO31AB");
+    QCOMPARE(m_lbInfo.text(), QStringLiteral("Protokoll nicht schreibbar: %1 (%2)")
+                                  .arg(reason, m_dir->filePath(GpsLog::kFileName)));
+    QCOMPARE(m_log->LastLogLoc(), QString());
+    if (kind == u"file") {
+      QFile file(target);
+      QVERIFY(file.open(QIODevice::ReadOnly));
+      QCOMPARE(file.readAll(), bytes);
+    } else {
+      QVERIFY(!QFileInfo::exists(target));  // a dangling link does not create its target
+    }
+    const QFileInfo log(m_dir->filePath(GpsLog::kFileName));
+    QCOMPARE(log.isSymLink(), kind != u"fifo");
   }
 
   // A folder the user may not write into. Root may write anywhere, so the child gives root

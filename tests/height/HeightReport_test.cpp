@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <csignal>
@@ -120,6 +121,38 @@ TEST_F(HeightReportTest, FullDiskLeavesTheOldReportAndNamesTheFile) {
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the box did not tell why";
   EXPECT_EQ(readAll(reportPath()), old);
   EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::Files), QStringList{"HoeheAusw.txt"});
+}
+
+// Regression: a link at the report's place was silently replaced; the report must neither
+// write into the link's target nor take the link's place.
+TEST_F(HeightReportTest, LinkInTheReportsPlaceIsRefused) {
+  const QString target = m_dir.filePath(QStringLiteral("elsewhere.txt"));
+  const QByteArray bytes = "not a report\n";
+  for (const bool dangling : {false, true}) {
+    SCOPED_TRACE(dangling ? "dangling link" : "link to a file");
+    QFile::remove(target);
+    QFile::remove(reportPath());
+    if (!dangling) {
+      QFile file(target);
+      ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+      file.write(bytes);
+    }
+    ASSERT_TRUE(QFile::link(target, reportPath()));
+    MsgBoxRecorder rec;
+    HeightReport(knownTable(), kLoc, kLg, kBr, m_dir.path(), kNow);
+    ASSERT_EQ(rec.count(), 1);
+    EXPECT_EQ(rec.last().prompt, QStringLiteral("Die Datei ") + reportPath() +
+                                     QStringLiteral("\nkonnte nicht geschrieben werden:\n"
+                                                    "Die Datei ist eine symbolische Verknüpfung."));
+    EXPECT_EQ(rec.last().style, vbExclamation);
+    EXPECT_TRUE(QFileInfo(reportPath()).isSymLink());
+    if (dangling) {
+      EXPECT_FALSE(QFileInfo::exists(target));
+    } else {
+      EXPECT_EQ(readAll(target), bytes);
+    }
+    EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::Files | QDir::System).size(), dangling ? 1 : 2);
+  }
 }
 
 TEST_F(HeightReportTest, FolderBesideTheProgramOrHome) {

@@ -27,5 +27,27 @@ TEST(SettingValues, IntervalIsRoundedAndLimited) {
   }
 }
 
+// The edges of the range, and texts that Val would have read as a number.
+TEST(SettingValues, BaudRateIsAWholeNumberAPortCanBeSetTo) {
+  const std::pair<const char*, std::optional<std::int32_t>> cases[] = {
+      {"4800", 4800}, {" 9600 ", 9600}, {"50", 50}, {"4000000", 4000000},
+      {"49", {}},     {"4000001", {}},  {"0", {}},  {"+9600", {}},
+      {"9600.0", {}}, {"96 00", {}},    {"", {}},   {"12345678901234567890", {}},
+  };
+  for (const auto& [text, rate] : cases) {
+    EXPECT_EQ(ReadBaudRate(QString::fromLatin1(text)), rate) << text;
+  }
+}
+
+TEST(SettingValues, PortNamesComOneToTwentyNine) {
+  const std::pair<const char*, std::optional<std::int16_t>> cases[] = {
+      {"Com1", 1},   {"COM29", 29}, {"com07", 7}, {"Com0", {}}, {"Com30", {}},
+      {"Com-5", {}}, {"Com 5", {}}, {"Xyz7", {}}, {"Com", {}},  {"Com5x", {}},
+  };
+  for (const auto& [text, number] : cases) {
+    EXPECT_EQ(ReadPortNumber(QString::fromLatin1(text)), number) << text;
+  }
+}
+
 }  // namespace
 }  // namespace marvento
