@@ -224,7 +224,7 @@ class tst_StationWindow : public QObject {
   }
 
   // A computation tells the own locator to WSJT-X, known from its Heartbeat, as the square,
-  // and to JS8Call's API as typed.
+  // and to JS8Call's API as typed; a JS8Call that keeps its own grid is named in lbInfo.
   void stationProgramsLearnTheOwnLocator() {
     QUdpSocket wsjtx;
     QVERIFY(wsjtx.bind(QHostAddress::LocalHost, 0));
@@ -249,6 +249,16 @@ class tst_StationWindow : public QObject {
     QCOMPARE(client->readLine(),
              QByteArray(R"({"type":"STATION.SET_GRID","value":"JO62QM53AB","params":{}})"
                         "\n"));
+    // JS8Call without AutoGrid answers the question for its grid with its own: the window
+    // says what to tick.
+    QTRY_VERIFY(client->canReadLine());
+    QCOMPARE(client->readLine(), QByteArray(R"({"type":"STATION.GET_GRID","value":"","params":{}})"
+                                            "\n"));
+    client->write(R"({"type":"STATION.GRID","value":"JO31","params":{}})"
+                  "\n");
+    QTRY_COMPARE(w->lbInfo->text(),
+                 QStringLiteral("JS8Call behält seinen eigenen Locator: in JS8Call unter Settings "
+                                "„AutoGrid“ ankreuzen."));
     QCOMPARE(boxes.count(), 0);
   }
 
