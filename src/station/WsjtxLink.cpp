@@ -165,10 +165,9 @@ void WsjtxLink::take(const QByteArray& datagram, const QHostAddress& sender, std
     }
     return;
   }
-  // A full list gives the place of the instance heard from least recently to the newcomer. A
-  // flood of one-off senders from many ports then pushes out only its own kind: a real
-  // instance that was pushed out comes back with its next Heartbeat and is told at once, so
-  // it never waits longer than one period, and no flood can keep a newly started one out.
+  // A full list gives the place of the instance heard from least recently to the newcomer,
+  // so no flood from many ports can keep a newly started WSJT-X out. One the flood pushed out
+  // comes back with its next Heartbeat and is told at once: it never waits beyond a period.
   if (static_cast<int>(m_instances.size()) >= kMaxInstances) {
     m_instances.erase(
         std::min_element(m_instances.begin(), m_instances.end(),

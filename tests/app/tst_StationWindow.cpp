@@ -4,7 +4,6 @@
 #include "app/frmMain.h"
 
 #include "../gps/PtyFeeder.h"
-#include "../station/HoldingProxy.h"
 #include "../station/WsjtxDatagram.h"
 #include "platform/MsgBoxRecorder.h"
 #include "platform/Settings.h"
@@ -141,31 +140,6 @@ class tst_StationWindow : public QObject {
     // The panel follows the rotator's own report, asked often while the antenna turns.
     const QString shown = QStringLiteral("Rotor %1°").arg(int(std::lround(*last)) % 360);
     QTRY_COMPARE_WITH_TIMEOUT(w->Panel6->text(), shown, 2000);
-  }
-
-  // rotctld slow to answer the window's first position query (a proxy holds the answer back):
-  // Ctrl+D turns the antenna at once all the same, and no box comes.
-  void rotorTurnsWhileAQueryIsUnanswered() {
-    const quint16 port = test::freePort();
-    test::RotctldDaemon daemon;
-    QVERIFY2(daemon.start(port), "rotctld did not start");
-    test::HoldingProxy proxy(port);
-    SaveSetting(SettingKey::Rotor, QStringLiteral("127.0.0.1:%1").arg(proxy.port()));
-    MsgBoxRecorder boxes;
-    frmMain* w = start();
-    QVERIFY(QTest::qWaitForWindowActive(w));
-    QTRY_COMPARE_WITH_TIMEOUT(proxy.held().count('\n'), 2, 3000);  // the query, answered, held
-    computeFrom(w, QStringLiteral("JO62QM"), QStringLiteral("JO31NK"));
-    QTest::keyClick(w, Qt::Key_D, Qt::ControlModifier);
-    QTRY_VERIFY_WITH_TIMEOUT(proxy.toDaemon().contains("\nP "), 1000);
-    QTRY_VERIFY_WITH_TIMEOUT(test::DaemonAzimuth(port).value_or(0) > 1, 3000);
-    QCOMPARE(w->Panel6->text(), QStringLiteral("Rotor ?"));
-    proxy.release();
-    // The held answer and the turn's come in; the panel follows the rotator from then on.
-    QTRY_VERIFY_WITH_TIMEOUT(w->Panel6->text() != QStringLiteral("Rotor ?") &&
-                                 w->Panel6->text() != QStringLiteral("Rotor 0°"),
-                             3000);
-    QCOMPARE(boxes.count(), 0);
   }
 
   // A command that cannot be carried out says why, in German, and moves nothing.
