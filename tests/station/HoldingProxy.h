@@ -63,12 +63,13 @@ class HoldingProxy : public QObject {
     }
   }
 
-  QTcpServer m_server;
   quint16 m_daemonPort;
   QPointer<QTcpSocket> m_heldClient;
   QByteArray m_toDaemon;
   QByteArray m_held;
   bool m_released = false;
+  // Last, so that its connections, which write into the members above, go first.
+  QTcpServer m_server;
 };
 
 }  // namespace marvento::test
