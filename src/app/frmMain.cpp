@@ -156,6 +156,7 @@ frmMain::frmMain(Module1& state, QWidget* parent)
     refit();
   });
   connect(m_sub->links.get(), &StationLinks::rotorAzimuth, this, &frmMain::showRotor);
+  connect(m_sub->links.get(), &StationLinks::notice, lbInfo, &QLabel::setText);
 
   // A poll fences off everything but tbFremdLoc; the menu entries go with their menus so
   // that no shortcut starts a command inside a poll.

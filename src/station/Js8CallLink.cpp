@@ -4,6 +4,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QTcpSocket>
 
 #include <algorithm>
@@ -21,6 +22,12 @@ QString validLocator(const QString& locator) {
   return text;
 }
 
+// JS8Call reports the grid sent (or its first characters, at least a square) once it has
+// taken it.
+bool reportsGrid(const QString& reported, const QString& sent) {
+  return reported.size() >= 6 && sent.startsWith(reported);
+}
+
 }  // namespace
 
 Js8CallLink::Js8CallLink(QObject* parent) : QObject(parent) {
@@ -28,6 +35,13 @@ Js8CallLink::Js8CallLink(QObject* parent) : QObject(parent) {
   m_connectTimeout.setSingleShot(true);
   connect(&m_retry, &QTimer::timeout, this, &Js8CallLink::connectNow);
   connect(&m_connectTimeout, &QTimer::timeout, this, &Js8CallLink::onGone);
+  m_settle.setSingleShot(true);
+  m_settle.setInterval(kReportSettle);
+  connect(&m_settle, &QTimer::timeout, this, [this] {
+    if (m_keptTold || m_sent.isEmpty() || reportsGrid(m_reported, m_sent)) return;
+    m_keptTold = true;
+    emit gridKept(keptGridText());
+  });
 }
 
 Js8CallLink::~Js8CallLink() {
@@ -43,8 +57,18 @@ QByteArray Js8CallLink::gridMessage(const QString& locator) {
   return R"({"type":"STATION.SET_GRID","value":)" + value + R"(,"params":{}})" + '\n';
 }
 
+QByteArray Js8CallLink::gridQuery() {
+  return R"({"type":"STATION.GET_GRID","value":"","params":{}})" + QByteArray("\n");
+}
+
+QString Js8CallLink::keptGridText() {
+  return QStringLiteral(
+      "JS8Call behält seinen eigenen Locator: in JS8Call unter Settings „AutoGrid“ ankreuzen.");
+}
+
 void Js8CallLink::start(const QString& host, std::uint16_t port) {
   stop();
+  m_keptTold = false;
   m_host = host;
   m_port = port;
   m_running = true;
@@ -56,6 +80,7 @@ void Js8CallLink::stop() {
   m_running = false;
   m_retry.stop();
   m_connectTimeout.stop();
+  m_settle.stop();
   if (m_socket) {
     m_socket->disconnect(this);
     m_socket->abort();
@@ -90,9 +115,7 @@ void Js8CallLink::connectNow() {
   connect(m_socket, &QTcpSocket::connected, this, &Js8CallLink::onConnected);
   connect(m_socket, &QTcpSocket::disconnected, this, &Js8CallLink::onGone);
   connect(m_socket, &QTcpSocket::errorOccurred, this, &Js8CallLink::onGone);
-  // JS8Call tells its API clients about its own events; none of it is of use here.
-  QTcpSocket* socket = m_socket;
-  connect(socket, &QTcpSocket::readyRead, this, [socket] { socket->readAll(); });
+  connect(m_socket, &QTcpSocket::readyRead, this, &Js8CallLink::onReadyRead);
   m_connectTimeout.start(kConnectTimeout);
   m_socket->connectToHost(m_host, m_port);
 }
@@ -102,6 +125,8 @@ void Js8CallLink::onConnected() {
   m_nextRetry = kFirstRetry;
   m_connected = true;
   m_sent.clear();
+  m_buffer.clear();
+  m_skipLine = false;
   emit connectedChanged(true);
   sendLocator();
 }
@@ -127,9 +152,37 @@ void Js8CallLink::onGone() {
 
 void Js8CallLink::sendLocator() {
   if (!isConnected() || m_locator.isEmpty() || m_locator == m_sent) return;
-  m_socket->write(gridMessage(m_locator));
+  m_socket->write(gridMessage(m_locator) + gridQuery());
   m_sent = m_locator;
   emit locatorSent(m_locator);
+}
+
+void Js8CallLink::onReadyRead() {
+  m_buffer += m_socket->readAll();
+  qsizetype start = 0;
+  for (qsizetype end = m_buffer.indexOf('\n'); end >= 0; end = m_buffer.indexOf('\n', start)) {
+    if (!m_skipLine) takeLine(QByteArrayView(m_buffer).sliced(start, end - start));
+    m_skipLine = false;
+    start = end + 1;
+  }
+  m_buffer.remove(0, start);
+  if (m_buffer.size() > kMaxLine) {
+    m_buffer.clear();
+    m_skipLine = true;
+  }
+}
+
+void Js8CallLink::takeLine(QByteArrayView line) {
+  // JS8Call tells its API clients about its own events; only its grid is of use here.
+  const QJsonObject message = QJsonDocument::fromJson(line.toByteArray()).object();
+  if (message.value(u"type").toString() != u"STATION.GRID" || m_sent.isEmpty()) return;
+  m_reported = message.value(u"value").toString().trimmed().toUpper();
+  if (reportsGrid(m_reported, m_sent)) {
+    m_settle.stop();
+    m_keptTold = false;  // taken: should it keep its own again later, that is told again
+  } else {
+    m_settle.start();
+  }
 }
 
 }  // namespace marvento

@@ -50,6 +50,12 @@ QString RotatorLink::silentText(const QString& host, std::uint16_t port) {
       .arg(addressText(host, port));
 }
 
+QString RotatorLink::hungUpText(const QString& host, std::uint16_t port) {
+  return QStringLiteral(
+             "Der Rotor-Dienst rotctld unter %1 hat die Verbindung ohne Antwort beendet.")
+      .arg(addressText(host, port));
+}
+
 QString RotatorLink::refusedText(int hamlibError) {
   return QStringLiteral("Der Rotor hat den Befehl abgelehnt (hamlib-Fehler %1).").arg(hamlibError);
 }
@@ -68,14 +74,14 @@ void RotatorLink::setAddress(const QString& host, std::uint16_t port) {
 
 void RotatorLink::stop() {
   m_queue.clear();
-  m_waiting = false;
+  m_sent = 0;
   m_timeout.stop();
   dropConnection();
 }
 
 void RotatorLink::turnTo(double azimuth) {
   if (!std::isfinite(azimuth)) return;
-  const auto unsent = m_waiting ? m_queue.begin() + 1 : m_queue.begin();
+  const auto unsent = m_queue.begin() + static_cast<std::ptrdiff_t>(m_sent);
   const auto queued = std::find_if(unsent, m_queue.end(), [](const Request& r) {
     return r.command == RotctldCommand::SetPosition;
   });
@@ -105,35 +111,48 @@ void RotatorLink::setPollInterval(std::chrono::milliseconds interval) {
 }
 
 void RotatorLink::process() {
-  if (m_waiting || m_queue.empty()) return;
+  if (m_sent == m_queue.size()) return;
   if (m_host.isEmpty() || m_port == 0) {
     failAll(unreachableText(m_host, m_port));
     return;
   }
   if (!m_socket) {
     m_socket = new QTcpSocket(this);
-    connect(m_socket, &QTcpSocket::connected, this, &RotatorLink::process);
+    m_accepted = false;
+    connect(m_socket, &QTcpSocket::connected, this, [this] {
+      m_accepted = true;
+      process();
+    });
     connect(m_socket, &QTcpSocket::readyRead, this, &RotatorLink::onReadyRead);
     connect(m_socket, &QTcpSocket::errorOccurred, this, [this](QAbstractSocket::SocketError e) {
-      // A refused or lost connection: whatever was asked is not answered.
-      const bool lost = e == QAbstractSocket::RemoteHostClosedError;
-      failAll(lost && !m_waiting && m_queue.empty() ? QString() : unreachableText(m_host, m_port));
+      // A refused or lost connection: whatever was asked is not answered. An idle connection
+      // the daemon closes (it was restarted) is no news; the next command connects anew.
+      const bool closed = e == QAbstractSocket::RemoteHostClosedError;
+      if (closed && m_queue.empty()) {
+        failAll(QString());
+      } else if (closed && m_accepted) {
+        failAll(hungUpText(m_host, m_port));
+      } else {
+        failAll(unreachableText(m_host, m_port));
+      }
     });
     m_timeout.start(kReplyTimeout);
     m_socket->connectToHost(m_host, m_port);
     return;
   }
   if (m_socket->state() != QAbstractSocket::ConnectedState) return;
-  const Request& request = m_queue.front();
-  m_socket->write(request.command == RotctldCommand::SetPosition ? turnCommand(request.azimuth)
-                                                                 : QByteArray("p\n"));
-  m_waiting = true;
-  m_timeout.start(kReplyTimeout);
+  // The wait runs from the oldest command still unanswered; one sent behind it adds none.
+  if (m_sent == 0) m_timeout.start(kReplyTimeout);
+  for (; m_sent < m_queue.size(); ++m_sent) {
+    const Request& request = m_queue[m_sent];
+    m_socket->write(request.command == RotctldCommand::SetPosition ? turnCommand(request.azimuth)
+                                                                   : QByteArray("p\n"));
+  }
 }
 
 void RotatorLink::onReadyRead() {
   m_buffer += m_socket->readAll();
-  while (m_waiting) {
+  while (m_sent > 0) {
     const Request request = m_queue.front();
     const RotctldReply reply = ReadRotctldReply(request.command, m_buffer);
     if (reply.kind == RotctldReply::Incomplete) return;
@@ -143,15 +162,19 @@ void RotatorLink::onReadyRead() {
     }
     m_buffer.remove(0, reply.consumed);
     m_queue.pop_front();
-    m_waiting = false;
-    m_timeout.stop();
+    --m_sent;
+    // An answer shows the daemon at work: the next one has its own full wait.
+    if (m_sent > 0) {
+      m_timeout.start(kReplyTimeout);
+    } else {
+      m_timeout.stop();
+    }
     switch (reply.kind) {
       case RotctldReply::Done: emit turnAccepted(normalized(request.azimuth)); break;
       case RotctldReply::Position: emit azimuthReported(reply.azimuth, reply.elevation); break;
       case RotctldReply::Error: fail(request, refusedText(reply.code)); break;
       default: break;
     }
-    process();
   }
   // Nothing was asked: whatever came is no answer to anything.
   m_buffer.clear();
@@ -168,7 +191,7 @@ void RotatorLink::fail(const Request& request, const QString& message) {
 void RotatorLink::failAll(const QString& message) {
   const std::deque<Request> failed = std::move(m_queue);
   m_queue.clear();
-  m_waiting = false;
+  m_sent = 0;
   m_timeout.stop();
   dropConnection();
   if (message.isEmpty()) return;

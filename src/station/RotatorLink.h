@@ -16,14 +16,15 @@ class QTcpSocket;
 namespace marvento {
 
 // Talks to hamlib's rotctld: turns the antenna ("P <az> 0") and asks where it points ("p").
-// The connection is made when the first command needs it and kept; commands go one at a
-// time, each answered before the next is sent. Every outcome comes back as a signal, failures
+// The connection is made when the first command needs it and kept; each command goes out as
+// soon as it is given, behind any still unanswered (rotctld answers them in order), so that a
+// turn never waits for a slow position query. Every outcome comes back as a signal, failures
 // with a German text for the user.
 class RotatorLink : public QObject {
   Q_OBJECT
 
  public:
-  // Longest wait for the connection or for a reply.
+  // Longest wait for the connection, or for the next reply while one is outstanding.
   static constexpr std::chrono::milliseconds kReplyTimeout = std::chrono::seconds(5);
 
   explicit RotatorLink(QObject* parent = nullptr);
@@ -35,7 +36,7 @@ class RotatorLink : public QObject {
   void stop();
 
   // Turns the antenna to the azimuth in degrees (any finite value, taken modulo 360, sent
-  // with one decimal). A turn not yet sent is replaced by the newer one.
+  // with one decimal). A turn not yet sent (while connecting) is replaced by the newer one.
   void turnTo(double azimuth);
   // Asks for the azimuth now; nothing more is asked while a question is under way.
   void requestPosition();
@@ -48,6 +49,7 @@ class RotatorLink : public QObject {
   // German texts of the failures.
   static QString unreachableText(const QString& host, std::uint16_t port);
   static QString silentText(const QString& host, std::uint16_t port);
+  static QString hungUpText(const QString& host, std::uint16_t port);
   static QString refusedText(int hamlibError);
   static QString garbledText(const QString& host, std::uint16_t port);
 
@@ -74,7 +76,8 @@ class RotatorLink : public QObject {
   QTcpSocket* m_socket = nullptr;
   QByteArray m_buffer;
   std::deque<Request> m_queue;
-  bool m_waiting = false;  // the front of the queue has been sent and awaits its reply
+  std::size_t m_sent = 0;   // the first m_sent requests of the queue await their replies
+  bool m_accepted = false;  // the daemon took the connection
   QTimer m_timeout;
   QTimer m_poll;
 };

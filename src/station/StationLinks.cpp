@@ -42,6 +42,7 @@ StationLinks::StationLinks(QObject* parent)
       m_rotator(std::make_unique<RotatorLink>()) {
   connect(m_wsjtx.get(), &WsjtxLink::failed, this,
           [this](const QString& message) { tell(message, QStringLiteral(" WSJT-X")); });
+  connect(m_js8call.get(), &Js8CallLink::gridKept, this, &StationLinks::notice);
   connect(m_rotator.get(), &RotatorLink::turnFailed, this,
           [this](const QString& message) { tell(message, QStringLiteral(" Antenne drehen")); });
   connect(m_rotator.get(), &RotatorLink::turnAccepted, this, [this](double azimuth) {

@@ -55,6 +55,8 @@ class StationLinks : public QObject {
   void rotorTurned(double azimuth);
   // Where the rotator points, or nothing when it could not be asked.
   void rotorAzimuth(std::optional<double> azimuth);
+  // A remark for the window's info line, in German (JS8Call keeps its own grid).
+  void notice(const QString& text);
 
  private:
   void applyWsjtx(const StationAddress& address);

@@ -34,7 +34,7 @@ WsjtxLink::WsjtxLink(QObject* parent) : QObject(parent) {
   m_more.setInterval(0);
   connect(&m_more, &QTimer::timeout, this, &WsjtxLink::readPending);
   connect(&m_sweep, &QTimer::timeout, this, &WsjtxLink::forgetSilent);
-  setForgetAfter(kForgetAfter);
+  setHeartbeatPeriod(kHeartbeatPeriod);
 }
 
 WsjtxLink::~WsjtxLink() = default;
@@ -118,11 +118,11 @@ void WsjtxLink::setLocator(const QString& locator) {
   for (const Instance& instance : m_instances) send(instance);
 }
 
-void WsjtxLink::setForgetAfter(std::chrono::milliseconds after) {
-  m_forgetAfter = std::max(after, std::chrono::milliseconds(1));
-  // Several looks per period keep an instance at most a sixth too long.
+void WsjtxLink::setHeartbeatPeriod(std::chrono::milliseconds period) {
+  m_heartbeatPeriod = std::max(period, std::chrono::milliseconds(1));
+  // Looking twice per period keeps a silent instance at most a 24th too long.
   m_sweep.setInterval(
-      std::max<std::chrono::milliseconds>(m_forgetAfter / 6, std::chrono::milliseconds(1)));
+      std::max<std::chrono::milliseconds>(m_heartbeatPeriod / 2, std::chrono::milliseconds(1)));
 }
 
 void WsjtxLink::readPending() {
@@ -165,9 +165,14 @@ void WsjtxLink::take(const QByteArray& datagram, const QHostAddress& sender, std
     }
     return;
   }
-  // A full list takes no newcomer: one that floods from many ports must not push out the
-  // instances heard before it. Silent ones make room when they are forgotten.
-  if (static_cast<int>(m_instances.size()) >= kMaxInstances) return;
+  // A full list gives the place of the instance heard from least recently to the newcomer,
+  // so no flood from many ports can keep a newly started WSJT-X out. One the flood pushed out
+  // comes back with its next Heartbeat and is told at once: it never waits beyond a period.
+  if (static_cast<int>(m_instances.size()) >= kMaxInstances) {
+    m_instances.erase(
+        std::min_element(m_instances.begin(), m_instances.end(),
+                         [](const Instance& a, const Instance& b) { return a.heard < b.heard; }));
+  }
   Instance instance;
   instance.id = message.id;
   instance.address = sender;
@@ -190,8 +195,9 @@ void WsjtxLink::send(const Instance& instance) {
 
 void WsjtxLink::forgetSilent() {
   const auto before = m_instances.size();
+  const auto forgetAfter = m_heartbeatPeriod * kForgetAfterBeats;
   std::erase_if(m_instances,
-                [&](const Instance& i) { return i.heard.elapsed() >= m_forgetAfter.count(); });
+                [&](const Instance& i) { return i.heard.elapsed() >= forgetAfter.count(); });
   if (m_instances.empty()) m_sweep.stop();
   if (m_instances.size() != before) emit instancesChanged();
 }

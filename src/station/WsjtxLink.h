@@ -30,10 +30,13 @@ class WsjtxLink : public QObject {
     QElapsedTimer heard;       // since its last Heartbeat or Status
   };
 
-  // More instances than this at once are no real station: a flood from many ports.
+  // More instances than this at once are no real station: a flood from many ports. A full
+  // list makes room for a newcomer by dropping the instance heard from least recently.
   static constexpr int kMaxInstances = 16;
-  // WSJT-X sends a Heartbeat every 15 s; an instance silent this long has gone.
-  static constexpr std::chrono::milliseconds kForgetAfter = std::chrono::minutes(3);
+  // How often WSJT-X sends its Heartbeat.
+  static constexpr std::chrono::milliseconds kHeartbeatPeriod = std::chrono::seconds(15);
+  // An instance silent for this many of its Heartbeats (three minutes) has gone.
+  static constexpr int kForgetAfterBeats = 12;
   // Datagrams taken per turn of the event loop, so that a flood cannot hold the window.
   static constexpr int kDatagramsPerTurn = 64;
 
@@ -55,8 +58,10 @@ class WsjtxLink : public QObject {
 
   const std::vector<Instance>& instances() const { return m_instances; }
 
-  // For tests: a shorter time after which silent instances are forgotten.
-  void setForgetAfter(std::chrono::milliseconds after);
+  // For tests: a shorter Heartbeat period, which shortens the time after which silent
+  // instances are forgotten with it.
+  void setHeartbeatPeriod(std::chrono::milliseconds period);
+  std::chrono::milliseconds heartbeatPeriod() const { return m_heartbeatPeriod; }
 
  signals:
   void instancesChanged();
@@ -76,7 +81,7 @@ class WsjtxLink : public QObject {
   QTimer m_more;
   std::vector<Instance> m_instances;
   QString m_locator;
-  std::chrono::milliseconds m_forgetAfter = kForgetAfter;
+  std::chrono::milliseconds m_heartbeatPeriod = kHeartbeatPeriod;
 };
 
 }  // namespace marvento

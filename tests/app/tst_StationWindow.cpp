@@ -38,19 +38,6 @@ using marvento::test::Program;
 
 namespace {
 
-// Asks the daemon itself, on a connection of its own, where the rotator points.
-std::optional<double> daemonAzimuth(quint16 port) {
-  QTcpSocket socket;
-  socket.connectToHost(test::kLoopback, port);
-  if (!socket.waitForConnected(1000)) return std::nullopt;
-  socket.write("p\n");
-  QByteArray reply;
-  while (reply.count('\n') < 2 && socket.waitForReadyRead(1000)) reply += socket.readAll();
-  bool ok = false;
-  const double azimuth = reply.split('\n').value(0).trimmed().toDouble(&ok);
-  return ok ? std::optional<double>(azimuth) : std::nullopt;
-}
-
 // An RMC sentence with a fix at the position, degrees east and north, checksum included.
 QByteArray rmc(int second, double lon, double lat) {
   const auto minutes = [](double degrees, int width) {
@@ -140,7 +127,7 @@ class tst_StationWindow : public QObject {
     // Arrived means: within a degree, and still there a moment later (not passing by).
     std::optional<double> last;
     const auto arrived = [&] {
-      const std::optional<double> now = daemonAzimuth(port);
+      const std::optional<double> now = test::DaemonAzimuth(port);
       const bool still = now && last && std::fabs(*now - *last) < 0.01;
       last = now;
       return still && std::fabs(*now - wanted) < 1.0;
@@ -211,7 +198,7 @@ class tst_StationWindow : public QObject {
   }
 
   // A computation tells the own locator to WSJT-X, known from its Heartbeat, as the square,
-  // and to JS8Call's API as typed.
+  // and to JS8Call's API as typed; a JS8Call that keeps its own grid is named in lbInfo.
   void stationProgramsLearnTheOwnLocator() {
     QUdpSocket wsjtx;
     QVERIFY(wsjtx.bind(QHostAddress::LocalHost, 0));
@@ -236,6 +223,16 @@ class tst_StationWindow : public QObject {
     QCOMPARE(client->readLine(),
              QByteArray(R"({"type":"STATION.SET_GRID","value":"JO62QM53AB","params":{}})"
                         "\n"));
+    // JS8Call without AutoGrid answers the question for its grid with its own: the window
+    // says what to tick.
+    QTRY_VERIFY(client->canReadLine());
+    QCOMPARE(client->readLine(), QByteArray(R"({"type":"STATION.GET_GRID","value":"","params":{}})"
+                                            "\n"));
+    client->write(R"({"type":"STATION.GRID","value":"JO31","params":{}})"
+                  "\n");
+    QTRY_COMPARE(w->lbInfo->text(),
+                 QStringLiteral("JS8Call behält seinen eigenen Locator: in JS8Call unter Settings "
+                                "„AutoGrid“ ankreuzen."));
     QCOMPARE(boxes.count(), 0);
   }
 

@@ -3,6 +3,7 @@
 
 #include "station/RotatorLink.h"
 
+#include "HoldingProxy.h"
 #include "support/RotctldDaemon.h"
 
 #include <QFile>
@@ -23,17 +24,34 @@ using test::kRotctld;
 const QString kHost = test::kLoopback;
 using Rotctld = test::RotctldDaemon;
 
+// What the stand-in does with a connection.
+enum class Stand {
+  Absent,              // nothing listens at the port
+  HangUpAtOnce,        // accepts and closes
+  HangUpAfterCommand,  // reads the command line and closes
+  Reply                // answers the first command line
+};
+
 // Answers the first command line with the given reply, a byte at a time, so that the link
-// must gather it across reads.
+// must gather it across reads; or hangs up, as the stand says.
 class FakeRotctld : public QObject {
  public:
-  explicit FakeRotctld(const QByteArray& reply) {
+  FakeRotctld(Stand stand, const QByteArray& reply) {
     m_server.listen(QHostAddress::LocalHost, 0);
-    connect(&m_server, &QTcpServer::newConnection, this, [this, reply] {
+    if (stand == Stand::Absent) m_server.close();
+    connect(&m_server, &QTcpServer::newConnection, this, [this, stand, reply] {
       QTcpSocket* client = m_server.nextPendingConnection();
-      connect(client, &QTcpSocket::readyRead, this, [this, client, reply] {
+      if (stand == Stand::HangUpAtOnce) {
+        client->close();
+        return;
+      }
+      connect(client, &QTcpSocket::readyRead, this, [this, client, stand, reply] {
         if (!client->canReadLine() || !m_command.isEmpty()) return;
         m_command = client->readLine();
+        if (stand == Stand::HangUpAfterCommand) {
+          client->close();
+          return;
+        }
         for (qsizetype i = 0; i < reply.size(); ++i) {
           QTimer::singleShot(20 * (i + 1), client,
                              [client, b = reply.mid(i, 1)] { client->write(b); });
@@ -111,32 +129,75 @@ class TestRotatorLink : public QObject {
     QCOMPARE(turnFailed.count(), 0);
   }
 
+  // A query the daemon is slow to answer (the proxy holds its answer back) does not hold up a
+  // turn: the turn reaches rotctld at once and the antenna moves; the answers come in order.
+  void turnGoesOutWhileAQueryIsUnanswered() {
+    const quint16 port = freePort();
+    QVERIFY(port != 0);
+    Rotctld daemon;
+    QVERIFY2(daemon.start(port), "rotctld did not start");
+    test::HoldingProxy proxy(port);
+    RotatorLink link;
+    link.setAddress(kHost, proxy.port());
+    QStringList outcomes;
+    connect(&link, &RotatorLink::azimuthReported, this,
+            [&](double azimuth, double) { outcomes << QStringLiteral("at %1").arg(azimuth); });
+    connect(&link, &RotatorLink::turnAccepted, this,
+            [&](double azimuth) { outcomes << QStringLiteral("turned %1").arg(azimuth); });
+    connect(&link, &RotatorLink::positionFailed, this,
+            [&](const QString& text) { outcomes << text; });
+    connect(&link, &RotatorLink::turnFailed, this, [&](const QString& text) { outcomes << text; });
+
+    link.requestPosition();
+    // The dummy has answered (azimuth and elevation, two lines); the proxy holds it.
+    QTRY_COMPARE_WITH_TIMEOUT(proxy.held().count('\n'), 2, 3000);
+    link.turnTo(90);
+    // A turn waiting for the answer would only go out after it: within the reply timeout, here
+    // never, as the answer is held.
+    QTRY_COMPARE_WITH_TIMEOUT(proxy.toDaemon(), QByteArray("p\nP 90.0 0\n"), 1000);
+    QTRY_VERIFY_WITH_TIMEOUT(test::DaemonAzimuth(port).value_or(0) > 1, 3000);
+    QVERIFY2(outcomes.isEmpty(), qPrintable(outcomes.join(u'|')));
+
+    proxy.release();
+    QTRY_COMPARE_WITH_TIMEOUT(outcomes.size(), 2, 3000);
+    QCOMPARE(outcomes, QStringList({"at 0", "turned 90"}));
+  }
+
   void repliesTheDummyNeverGives_data() {
     QTest::addColumn<bool>("turn");
+    QTest::addColumn<int>("standRow");
     QTest::addColumn<QByteArray>("reply");
     QTest::addColumn<QString>("failure");  // empty when the reply is good
+    const QString hungUp = QStringLiteral(
+        "Der Rotor-Dienst rotctld unter 127.0.0.1:%port hat die Verbindung ohne Antwort "
+        "beendet.");
     QTest::newRow("nothing listens")
-        << false << QByteArray()
+        << false << int(Stand::Absent) << QByteArray()
         << QStringLiteral(
                "Der Rotor-Dienst rotctld ist unter 127.0.0.1:%port nicht erreichbar.\n"
                "Zum Ausprobieren ohne Rotor: rotctld -m 1 -t %port");
-    QTest::newRow("turn refused") << true << QByteArray("RPRT -9\n")
+    QTest::newRow("hangs up at once") << true << int(Stand::HangUpAtOnce) << QByteArray() << hungUp;
+    QTest::newRow("hangs up after the command")
+        << false << int(Stand::HangUpAfterCommand) << QByteArray() << hungUp;
+    QTest::newRow("turn refused") << true << int(Stand::Reply) << QByteArray("RPRT -9\n")
                                   << QStringLiteral(
                                          "Der Rotor hat den Befehl abgelehnt (hamlib-Fehler -9).");
-    QTest::newRow("garbled") << true << QByteArray("Hello\n")
+    QTest::newRow("garbled") << true << int(Stand::Reply) << QByteArray("Hello\n")
                              << QStringLiteral(
                                     "Der Rotor-Dienst unter 127.0.0.1:%port gibt "
                                     "unverständliche Antworten.");
-    QTest::newRow("position") << false << QByteArray("271.50\n12.00\n") << QString();
+    QTest::newRow("position") << false << int(Stand::Reply) << QByteArray("271.50\n12.00\n")
+                              << QString();
   }
 
   void repliesTheDummyNeverGives() {
     QFETCH(bool, turn);
+    QFETCH(int, standRow);
+    const auto stand = Stand(standRow);
     QFETCH(QByteArray, reply);
     QFETCH(QString, failure);
-    FakeRotctld fake(reply);
+    FakeRotctld fake(stand, reply);
     const quint16 port = fake.port();
-    if (reply.isEmpty()) fake.m_server.close();
     RotatorLink link;
     link.setAddress(kHost, port);
     QSignalSpy failed(&link, turn ? &RotatorLink::turnFailed : &RotatorLink::positionFailed);
@@ -144,7 +205,7 @@ class TestRotatorLink : public QObject {
     QSignalSpy accepted(&link, &RotatorLink::turnAccepted);
     turn ? link.turnTo(10) : link.requestPosition();
     QTRY_COMPARE_WITH_TIMEOUT(failed.count() + reported.count() + accepted.count(), 1, 5000);
-    if (!reply.isEmpty()) {
+    if (stand == Stand::Reply || stand == Stand::HangUpAfterCommand) {
       QCOMPARE(fake.m_command, turn ? QByteArray("P 10.0 0\n") : QByteArray("p\n"));
     }
     if (failure.isEmpty()) {

@@ -11,6 +11,8 @@
 #include <QTcpSocket>
 #include <QtTest>
 
+#include <optional>
+
 namespace marvento::test {
 
 inline const QString kRotctld = QStringLiteral("/usr/bin/rotctld");
@@ -40,5 +42,18 @@ class RotctldDaemon {
  private:
   QProcess m_process;
 };
+
+// Asks the daemon itself, on a connection of its own, where the rotator points.
+inline std::optional<double> DaemonAzimuth(quint16 port) {
+  QTcpSocket socket;
+  socket.connectToHost(kLoopback, port);
+  if (!socket.waitForConnected(1000)) return std::nullopt;
+  socket.write("p\n");
+  QByteArray reply;
+  while (reply.count('\n') < 2 && socket.waitForReadyRead(1000)) reply += socket.readAll();
+  bool ok = false;
+  const double azimuth = reply.split('\n').value(0).trimmed().toDouble(&ok);
+  return ok ? std::optional<double>(azimuth) : std::nullopt;
+}
 
 }  // namespace marvento::test
