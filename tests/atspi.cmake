@@ -1,0 +1,7 @@
+# The program as a screen reader meets it: through the real AT-SPI bus, in a private X server
+# and D-Bus session (tests/access/atspi_session.sh), walked with pyatspi.
+add_test(NAME atspi_walk
+  COMMAND sh ${CMAKE_CURRENT_SOURCE_DIR}/access/atspi_session.sh $<TARGET_FILE:marvento>
+          ${CMAKE_CURRENT_SOURCE_DIR}/access/atspi_check.py)
+set_tests_properties(atspi_walk PROPERTIES LABELS widget TIMEOUT 120 SKIP_RETURN_CODE 77
+  RUN_SERIAL TRUE)
