@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QStringList>
 #include <QWidget>
@@ -14,6 +15,13 @@ namespace {
 void apply(QWidget* widget, const AccessibleText& text) {
   widget->setAccessibleName(text.name);
   if (!text.description.isEmpty()) widget->setAccessibleDescription(text.description);
+  // Screen readers name a field after the label that points to it, where it has one, so
+  // that label says the same.
+  if (QWidget* window = widget->window(); window && !text.name.isEmpty()) {
+    for (QLabel* label : window->findChildren<QLabel*>()) {
+      if (label->buddy() == widget) label->setAccessibleName(text.name);
+    }
+  }
   // An editable combo box hands the focus to its own entry field, which is what the reader
   // then names.
   if (auto* combo = qobject_cast<QComboBox*>(widget); combo && combo->lineEdit()) {

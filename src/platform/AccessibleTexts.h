@@ -18,7 +18,8 @@ struct AccessibleText {
   QString description;
 };
 
-// Gives each named control of `window` (the window itself included) its texts. A name that
+// Gives each named control of `window` (the window itself included) its texts, and the
+// label whose access key leads to the control its name, as screen readers read that. A name that
 // belongs to a QAction goes to the tool bar buttons that show the action, which otherwise
 // have no name at all, as they carry only an icon. Returns the object names that were not
 // found, so that a table cannot drift from its window unnoticed.
