@@ -229,6 +229,8 @@ void frmMain::buildControls() {
     // when the theme changes while the program runs.
     r->setBackgroundRole(QPalette::Base);
     r->setForegroundRole(QPalette::Text);
+    // Reached with Tab, so that a screen reader user hears the result where it stands.
+    r->setFocusPolicy(Qt::TabFocus);
     return r;
   };
   auto rule = [&](const char* name, double top, QPalette::ColorRole shade) {
@@ -328,8 +330,9 @@ void frmMain::buildControls() {
   Label6->setBuddy(tbMyBr);
   Label7->setBuddy(Combo1);
 
-  // Tab order: the fields as the eye reads them, then the radius.
-  QWidget* order[] = {tbMyLoc, tbFremdLoc, tbMyLg, tbMyBr, tbFremdLg, tbFremdBr, Combo1};
+  // Tab order: the fields as the eye reads them, then the radius and the two results.
+  QWidget* order[] = {tbMyLoc,   tbFremdLoc, tbMyLg,        tbMyBr,     tbFremdLg,
+                      tbFremdBr, Combo1,     lblEntfernung, lblRichtung};
   for (std::size_t i = 1; i < std::size(order); ++i) setTabOrder(order[i - 1], order[i]);
 }
 

@@ -427,6 +427,25 @@ class tst_Access : public QObject {
     }
   }
 
+  // Tab walks the fields as the eye reads them and reaches both results; Shift+Tab goes back.
+  void tabOrderReachesEveryFieldAndTheResults() {
+    frmMain* main = start();
+    QVERIFY(QTest::qWaitForWindowActive(main));
+    main->tbMyLoc->setFocus();
+    const QList<QWidget*> expected = {main->tbFremdLoc,    main->tbMyLg,     main->tbMyBr,
+                                      main->tbFremdLg,     main->tbFremdBr,  main->Combo1,
+                                      main->lblEntfernung, main->lblRichtung};
+    for (QWidget* next : expected) {
+      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+      QWidget* focus = QApplication::focusWidget();
+      // The radius box hands the focus to its entry field.
+      if (focus && focus->parentWidget() == main->Combo1) focus = main->Combo1;
+      QCOMPARE(focus ? focus->objectName() : QString(), next->objectName());
+    }
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+    QCOMPARE(QApplication::focusWidget()->objectName(), QStringLiteral("lblEntfernung"));
+  }
+
   // A GPS fix that leaves the result as it was is not said again; a user's Enter is.
   void fixesRepeatNothing() {
     frmMain* main = start();
