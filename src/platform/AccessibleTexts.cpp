@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QComboBox>
+#include <QDebug>
 #include <QLabel>
 #include <QLineEdit>
 #include <QStringList>
@@ -31,8 +32,7 @@ void apply(QWidget* widget, const AccessibleText& text) {
 
 }  // namespace
 
-QStringList SetAccessibleTexts(QWidget* window, std::initializer_list<AccessibleText> texts) {
-  QStringList missing;
+void SetAccessibleTexts(QWidget* window, std::initializer_list<AccessibleText> texts) {
   for (const AccessibleText& text : texts) {
     const QString object = QString::fromUtf8(text.object);
     if (window->objectName() == object) {
@@ -45,7 +45,8 @@ QStringList SetAccessibleTexts(QWidget* window, std::initializer_list<Accessible
     }
     auto* action = window->findChild<QAction*>(object);
     if (!action) {
-      missing << object;
+      qWarning("No control %s in %s for its accessible name", text.object,
+               qPrintable(window->objectName()));
       continue;
     }
     for (QObject* shown : action->associatedObjects()) {
@@ -55,7 +56,6 @@ QStringList SetAccessibleTexts(QWidget* window, std::initializer_list<Accessible
       if (button && window->isAncestorOf(button)) apply(button, text);
     }
   }
-  return missing;
 }
 
 }  // namespace marvento

@@ -21,8 +21,8 @@ struct AccessibleText {
 // Gives each named control of `window` (the window itself included) its texts, and the
 // label whose access key leads to the control its name, as screen readers read that. A name that
 // belongs to a QAction goes to the tool bar buttons that show the action, which otherwise
-// have no name at all, as they carry only an icon. Returns the object names that were not
-// found, so that a table cannot drift from its window unnoticed.
-QStringList SetAccessibleTexts(QWidget* window, std::initializer_list<AccessibleText> texts);
+// have no name at all, as they carry only an icon. A name that no control of the window has
+// is reported as a warning, so that a table cannot drift from its window unnoticed.
+void SetAccessibleTexts(QWidget* window, std::initializer_list<AccessibleText> texts);
 
 }  // namespace marvento

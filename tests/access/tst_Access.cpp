@@ -1,6 +1,7 @@
 #include "access/Announcer.h"
 #include "access/LiveRegion.h"
 #include "app/frmMain.h"
+#include "platform/AccessibleTexts.h"
 #include "platform/Contrast.h"
 #include "platform/MsgBox.h"
 #include "support/ProgramFixture.h"
@@ -284,7 +285,11 @@ class tst_Access : public QObject {
     SetMsgBoxHandler(std::move(m_previousBox));
     SetBeepHandler(std::move(m_previousBeep));
   }
-  void init() { m_user.emplace(); }
+  void init() {
+    m_user.emplace();
+    // A table of names that has drifted from its window.
+    QTest::failOnWarning(QRegularExpression(QStringLiteral("for its accessible name")));
+  }
   void cleanup() {
     m_program.reset();
     m_user.reset();
@@ -312,6 +317,19 @@ class tst_Access : public QObject {
     QVERIFY2(visited.contains(QStringLiteral("Info Marvento")), qPrintable(visited.join(u'|')));
     QVERIFY2(visited.contains(QStringLiteral("GPS-Höhe")), qPrintable(visited.join(u'|')));
     QVERIFY2(problems.isEmpty(), qPrintable(problems.join(u'\n')));
+  }
+
+  void aDriftedTableIsReported() {
+    QWidget window;
+    window.setObjectName(QStringLiteral("probe"));
+    auto* field = new QLineEdit(&window);
+    field->setObjectName(QStringLiteral("tbProbe"));
+    QTest::ignoreMessage(QtWarningMsg, "No control tbGone in probe for its accessible name");
+    SetAccessibleTexts(&window,
+                       {{"tbProbe", QStringLiteral("Probe"), QStringLiteral("Beschreibung")},
+                        {"tbGone", QStringLiteral("Fort"), QString()}});
+    QCOMPARE(field->accessibleName(), QStringLiteral("Probe"));
+    QCOMPARE(field->accessibleDescription(), QStringLiteral("Beschreibung"));
   }
 
   // The checks themselves find what they are meant to find.
