@@ -28,7 +28,7 @@ log="$work/orca.debug"
 dbus-run-session -- sh -c '
   openbox >/dev/null 2>&1 & wm=$!
   sleep 0.5
-  speech-dispatcher -d -t 0 -C "$XDG_CONFIG_HOME/speech-dispatcher" >/dev/null 2>&1
+  speech-dispatcher -d -t 5 -P "$3" -C "$XDG_CONFIG_HOME/speech-dispatcher" >/dev/null 2>&1
   orca --replace --debug-file="$1" >/dev/null 2>&1 & reader=$!
   for _ in $(seq 100); do grep -q "Screen reader on" "$1" 2>/dev/null && break; sleep 0.1; done
   "$2" >/dev/null 2>&1 & app=$!
@@ -38,14 +38,15 @@ dbus-run-session -- sh -c '
   xdotool type --delay 80 JO62QM; sleep 0.5
   xdotool key Tab; sleep 1; xdotool type --delay 80 JN58TD; sleep 0.5
   # Each key, then until Orca has spoken its answer (or a few seconds have passed).
-  heard() { for _ in $(seq 80); do grep -q "$1" "$log" && return; sleep 0.1; done; }
+  heard() { for _ in $(seq 200); do grep -q "$1" "$log" && return; sleep 0.1; done; }
   log="$1"
   xdotool key Return; heard "notification Entfernung"
   xdotool key F4; heard "notification Status"
   xdotool key Tab; heard "eigene Station text"
   sleep 0.5
   kill $app $reader $wm 2>/dev/null
-' orca-session "$log" "$program"
+  [ -s "$3" ] && kill "$(cat "$3")" 2>/dev/null
+' orca-session "$log" "$program" "$work/speechd.pid"
 
 said=$(grep "SPEECH OUTPUT" "$log" | sed "s/.*SPEECH OUTPUT: //")
 echo "$said" | grep -v "^'left \|^'[A-Z0-9] '"
