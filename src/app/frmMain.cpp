@@ -1,8 +1,10 @@
 #include "app/frmMain.h"
 
+#include "access/Announcer.h"
 #include "app/FieldFit.h"
 #include "app/Icons.h"
 #include "app/InstanceGuard.h"
+#include "app/MainAccess.h"
 #include "app/SettingsStore.h"
 #include "distance/ComputeCommand.h"
 #include "distance/GreatCircle.h"
@@ -20,6 +22,7 @@
 #include "options/frmOptions.h"
 #include "platform/Clock.h"
 #include "platform/CommControl.h"
+#include "platform/Contrast.h"
 #include "platform/Format.h"
 #include "platform/MsgBox.h"
 #include "platform/Settings.h"
@@ -73,6 +76,10 @@ QString shortDate(const QDate& date) {
   QString format = QLocale().dateFormat(QLocale::ShortFormat);
   if (!format.contains(u"yyyy")) format.replace(QStringLiteral("yy"), QStringLiteral("yyyy"));
   return QLocale().toString(date, format);
+}
+
+QColor ReadableOn(const QColor& background, const QColor& preferred) {
+  return QColor::fromRgb(ReadableTextOn(background.rgb(), preferred.rgb()));
 }
 
 }  // namespace
@@ -168,6 +175,14 @@ frmMain::frmMain(Module1& state, QWidget* parent)
     }
   }
   qApp->installEventFilter(this);
+
+  // What a screen reader says of the window and what it is told when something changes.
+  SetMainAccessibleTexts(this);
+  auto* announcer =
+      new Announcer({lblEntfernung, lblRichtung, lbInfo, lbKurs, Panel3, sbStatusBar}, this);
+  connect(this, &frmMain::computed, announcer, &Announcer::computed);
+  connect(this, &frmMain::fixTaken, announcer, &Announcer::fixTaken);
+  mnuHelp->addAction(announcer->readStatusAction());
 }
 
 frmMain::~frmMain() {
@@ -211,26 +226,27 @@ void frmMain::buildControls() {
     r->setAlignment(Qt::AlignCenter);
     r->setFrameStyle(QFrame::Panel | QFrame::Sunken);
     r->setAutoFillBackground(true);
-    QPalette palette = r->palette();
-    palette.setColor(QPalette::Window, Qt::white);
-    palette.setColor(QPalette::WindowText, Qt::black);
-    r->setPalette(palette);
+    // In the colours of an entry field, which every desktop theme keeps readable, also
+    // when the theme changes while the program runs.
+    r->setBackgroundRole(QPalette::Base);
+    r->setForegroundRole(QPalette::Text);
+    // Reached with Tab, so that a screen reader user hears the result where it stands.
+    r->setFocusPolicy(Qt::TabFocus);
     return r;
   };
-  auto rule = [&](const char* name, double top, const QColor& colour) {
+  auto rule = [&](const char* name, double top, QPalette::ColorRole shade) {
     auto* line = new QFrame(client);
     line->setObjectName(QString::fromLatin1(name));
     line->setGeometry(0, TwipsToPx(top - kToolBarTwips), TwipsToPx(kClientWidth), 1);
     line->setAutoFillBackground(true);
-    QPalette palette = line->palette();
-    palette.setColor(QPalette::Window, colour);
-    line->setPalette(palette);
+    line->setBackgroundRole(shade);
     return line;
   };
 
-  Line1 = rule("Line1", kToolBarTwips, QColor(128, 128, 128));
-  Line2 = rule("Line2", kToolBarTwips + 15, Qt::white);
-  Line3 = rule("Line3", 2700, QColor(128, 128, 128));
+  // The groove takes the theme's shades, so that it stays a groove on a dark desktop.
+  Line1 = rule("Line1", kToolBarTwips, QPalette::Mid);
+  Line2 = rule("Line2", kToolBarTwips + 15, QPalette::Light);
+  Line3 = rule("Line3", 2700, QPalette::Mid);
 
   // The locator fields take at most 10 typed characters; a text that the program puts there
   // (a home locator edited in the settings file) stays whole, for the locator check to refuse.
@@ -293,11 +309,13 @@ void frmMain::buildControls() {
     const int height =
         std::max(TwipsToPx(kLabelHeight) * lines, l->fontMetrics().lineSpacing() * lines + 2);
     l->setGeometry(0, top, clientWidth, height);
-    // In the colours of a tool tip: readable on every theme.
+    // In the colours of a tool tip; a theme whose tool tip text does not stand out from its
+    // background gets black or white instead.
     l->setAutoFillBackground(true);
     QPalette palette = l->palette();
     palette.setColor(QPalette::Window, palette.color(QPalette::ToolTipBase));
-    palette.setColor(QPalette::WindowText, palette.color(QPalette::ToolTipText));
+    palette.setColor(QPalette::WindowText, ReadableOn(palette.color(QPalette::ToolTipBase),
+                                                      palette.color(QPalette::ToolTipText)));
     l->setPalette(palette);
     return l;
   };
@@ -313,8 +331,9 @@ void frmMain::buildControls() {
   Label6->setBuddy(tbMyBr);
   Label7->setBuddy(Combo1);
 
-  // Tab order: the fields as the eye reads them, then the radius.
-  QWidget* order[] = {tbMyLoc, tbFremdLoc, tbMyLg, tbMyBr, tbFremdLg, tbFremdBr, Combo1};
+  // Tab order: the fields as the eye reads them, then the radius and the two results.
+  QWidget* order[] = {tbMyLoc,   tbFremdLoc, tbMyLg,        tbMyBr,     tbFremdLg,
+                      tbFremdBr, Combo1,     lblEntfernung, lblRichtung};
   for (std::size_t i = 1; i < std::size(order); ++i) setTabOrder(order[i - 1], order[i]);
 }
 
@@ -340,7 +359,7 @@ void frmMain::buildMenus() {
   separator(mnuAktion, "Sep1");
   mnuGegenRichtung = action(mnuAktion, "mnuGegenRichtung", QStringLiteral("Gegenrich&tung"),
                             QKeySequence(Qt::Key_F3), &frmMain::mnuGegenRichtung_Click);
-  mnuGPS_Höhe = action(mnuAktion, "mnuGPS_Höhe", QStringLiteral("GPS-Antennenhöhe"),
+  mnuGPS_Höhe = action(mnuAktion, "mnuGPS_Höhe", QStringLiteral("GPS-Antennen&höhe"),
                        QKeySequence(Qt::CTRL | Qt::Key_H), &frmMain::mnuGPS_Höhe_Click);
   mnuRotor = action(mnuAktion, "mnuRotor", QStringLiteral("Antenne &drehen"),
                     QKeySequence(Qt::CTRL | Qt::Key_D), &frmMain::mnuRotor_Click);

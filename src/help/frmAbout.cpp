@@ -12,6 +12,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include "platform/AccessibleTexts.h"
 #include "platform/MsgBox.h"
 #include "platform/Programs.h"
 
@@ -47,14 +48,12 @@ QLabel* makeLabel(QWidget* parent, const char* name, const QString& text) {
   return label;
 }
 
-QFrame* makeRule(QWidget* parent, const char* name, const QColor& colour) {
+QFrame* makeRule(QWidget* parent, const char* name, QPalette::ColorRole shade) {
   auto* rule = new QFrame(parent);
   rule->setObjectName(QString::fromLatin1(name));
   rule->setFixedHeight(1);
   rule->setAutoFillBackground(true);
-  QPalette palette = rule->palette();
-  palette.setColor(QPalette::Window, colour);
-  rule->setPalette(palette);
+  rule->setBackgroundRole(shade);
   return rule;
 }
 
@@ -95,11 +94,11 @@ frmAbout::frmAbout(QWidget* parent) : QDialog(parent) {
   m_lblBeschreibung->setWordWrap(true);
   m_lblAchtung = makeLabel(this, "lblAchtung", QStringLiteral("Achtung:"));
 
-  // A grey line over a white one reads as a groove cut into the dialog.
+  // A dark line over a light one reads as a groove cut into the dialog, in the theme's shades.
   auto* groove = new QVBoxLayout;
   groove->setSpacing(0);
-  groove->addWidget(makeRule(this, "Line1_1", QColor(128, 128, 128)));
-  groove->addWidget(makeRule(this, "Line1_0", Qt::white));
+  groove->addWidget(makeRule(this, "Line1_1", QPalette::Mid));
+  groove->addWidget(makeRule(this, "Line1_0", QPalette::Light));
 
   auto* grid = new QGridLayout(this);
   grid->setSizeConstraint(QLayout::SetFixedSize);
@@ -117,6 +116,12 @@ frmAbout::frmAbout(QWidget* parent) : QDialog(parent) {
   grid->addWidget(m_cmdSysInfo, 7, 2, Qt::AlignTop);
 
   setTabOrder(m_cmdOK, m_cmdSysInfo);
+  SetAccessibleTexts(this, {
+                               {"cmdOK", QStringLiteral("OK"), QStringLiteral("Info schließen")},
+                               {"cmdSysInfo", QStringLiteral("Systeminfo"),
+                                QStringLiteral("startet ein Programm, das den Rechner beschreibt")},
+                               {"picIcon", QStringLiteral("Programmsymbol"), QString()},
+                           });
   connect(m_cmdOK, &QPushButton::clicked, this, &QDialog::accept);
   connect(m_cmdSysInfo, &QPushButton::clicked, this, &frmAbout::cmdSysInfo_Click);
 

@@ -5,6 +5,7 @@
 #include "gps/GpsExchange.h"
 #include "gps/GpsdClient.h"
 #include "options/PortList.h"
+#include "platform/AccessibleTexts.h"
 #include "platform/CommControl.h"
 #include "platform/Format.h"
 #include "platform/MsgBox.h"
@@ -102,22 +103,24 @@ void frmOptions::build() {
   label1->setFont(bold);
 
   m_Combo3 = makeCombo(this, "Combo3", QStringLiteral(" GPS-Datenintervall "));
-  auto* label4 = makeLabel(this, "Label4", QStringLiteral("all&e"), m_Combo3);
+  auto* label4 = makeLabel(this, "Label4", QStringLiteral("a&lle"), m_Combo3);
   auto* label5 = makeLabel(this, "Label5", QStringLiteral("Sekunden"), nullptr);
   m_Combo1 = makeCombo(this, "Combo1", QStringLiteral(" Com1...Com29, oder gpsd "));
   auto* label2 = makeLabel(this, "Label2", QStringLiteral("&Schnittstelle:"), m_Combo1);
   m_Combo2 = makeCombo(this, "Combo2", QStringLiteral(" Bit pro Sekunde "));
   auto* label3 = makeLabel(this, "Label3", QStringLiteral("&Baudrate:"), m_Combo2);
 
-  // A groove of a white and a grey line under the top rows.
-  auto* line1 = new QFrame(this);
-  line1->setObjectName(QStringLiteral("Line1"));
-  line1->setFixedHeight(1);
-  line1->setStyleSheet(QStringLiteral("background-color: white;"));
-  auto* line2 = new QFrame(this);
-  line2->setObjectName(QStringLiteral("Line2"));
-  line2->setFixedHeight(1);
-  line2->setStyleSheet(QStringLiteral("background-color: grey;"));
+  // A groove of a light and a dark line under the top rows, in the theme's shades.
+  auto rule = [this](const char* name, QPalette::ColorRole shade) {
+    auto* line = new QFrame(this);
+    line->setObjectName(QString::fromLatin1(name));
+    line->setFixedHeight(1);
+    line->setAutoFillBackground(true);
+    line->setBackgroundRole(shade);
+    return line;
+  };
+  auto* line1 = rule("Line1", QPalette::Light);
+  auto* line2 = rule("Line2", QPalette::Mid);
 
   auto makeFrame = [&](const char* name, const QString& caption) {
     auto* frame = new QGroupBox(caption, this);
@@ -275,6 +278,44 @@ void frmOptions::build() {
     setTabOrder(tabOrder[i - 1], tabOrder[i]);
   }
   m_Command2->setFocus();
+
+  SetAccessibleTexts(
+      this,
+      {
+          {"Combo3", QStringLiteral("Abfrage alle … Sekunden"),
+           QStringLiteral("Abstand der GPS-Abfragen, 10 bis 65 Sekunden")},
+          {"Combo1", QStringLiteral("Schnittstelle"),
+           QStringLiteral("Com1 bis Com29, ein Gerätepfad wie /dev/ttyUSB0, oder gpsd")},
+          {"Combo2", QStringLiteral("Baudrate"), QStringLiteral("Bit pro Sekunde")},
+          {"Option1_0", QStringLiteral("GPS-Empfang ein"), QString()},
+          {"Option1_1", QStringLiteral("GPS-Empfang aus"), QString()},
+          {"Check1", QStringLiteral("GPS-Zeit übernehmen"),
+           QStringLiteral("Minuten und Sekunden der Rechneruhr nach dem GPS-Empfänger stellen")},
+          {"Option3", QStringLiteral("Grad, Minuten, Sekunden"),
+           QStringLiteral("Koordinaten wie 13°22'30\"")},
+          {"Option4", QStringLiteral("Dezimalgrad"), QStringLiteral("Koordinaten wie 13,375")},
+          {"Option2_0", QStringLiteral("Locator mit 6 Stellen"), QStringLiteral("wie JO62QM")},
+          {"Option2_1", QStringLiteral("Locator mit 10 Stellen"),
+           QStringLiteral("hohe Genauigkeit, wie JO62QM12AB")},
+          {"Text1", QStringLiteral("Home-Locator"),
+           QStringLiteral("eigener Locator, mit dem das Programm ohne GPS beginnt")},
+          {"tbGpsd", QStringLiteral("gpsd-Adresse"),
+           QStringLiteral("Rechner:Port, zum Beispiel localhost:2947")},
+          {"chkWsjtx", QStringLiteral("WSJT-X"),
+           QStringLiteral("eigenen Locator an WSJT-X senden")},
+          {"tbWsjtx", QStringLiteral("Adresse von WSJT-X"),
+           QStringLiteral("Rechner:Port des UDP-Servers, zum Beispiel 127.0.0.1:2237")},
+          {"chkJs8Call", QStringLiteral("JS8Call"),
+           QStringLiteral("eigenen Locator an JS8Call senden")},
+          {"tbJs8Call", QStringLiteral("Adresse von JS8Call"),
+           QStringLiteral("Rechner:Port der TCP-API, zum Beispiel 127.0.0.1:2442")},
+          {"chkRotor", QStringLiteral("Rotor"), QStringLiteral("Antenne über rotctld drehen")},
+          {"tbRotor", QStringLiteral("Adresse von rotctld"),
+           QStringLiteral("Rechner:Port, zum Beispiel 127.0.0.1:4533")},
+          {"Command1", QStringLiteral("OK"), QStringLiteral("Änderungen übernehmen")},
+          {"Command2", QStringLiteral("Abbrechen"),
+           QStringLiteral("Einstellungen bleiben unverändert")},
+      });
 
   connect(m_Command1, &QPushButton::clicked, this, &frmOptions::Command1_Click);
   connect(m_Command2, &QPushButton::clicked, this, &frmOptions::Command2_Click);

@@ -1,9 +1,12 @@
 #include "app/Icons.h"
 
 #include "IconPainter.h"
+#include "platform/Contrast.h"
 
 #include <gtest/gtest.h>
+#include <QColor>
 #include <QImage>
+#include <QPainter>
 #include <QPixmap>
 
 #include <algorithm>
@@ -63,6 +66,40 @@ TEST(Icons, CompiledInImagesAreThePaintedOnes) {
                                 reference.pixmap(QSize(size, size), QIcon::Disabled).toImage()),
                 0)
           << size << " px, disabled";
+    }
+  }
+}
+
+// Share of an icon's painted pixels that stand out from the tool bar behind it by at least
+// 3:1, the contrast a graphic needs to be made out.
+double visibleShare(const QImage& icon, QRgb toolbar) {
+  QImage shown(icon.size(), QImage::Format_RGB32);
+  shown.fill(toolbar);
+  QPainter(&shown).drawImage(0, 0, icon);
+  const QImage alpha = icon.convertToFormat(QImage::Format_ARGB32);
+  int painted = 0;
+  int visible = 0;
+  for (int y = 0; y < shown.height(); ++y) {
+    for (int x = 0; x < shown.width(); ++x) {
+      if (qAlpha(alpha.pixel(x, y)) < 128) continue;
+      ++painted;
+      visible += ContrastRatio(shown.pixel(x, y) & 0xFFFFFF, toolbar & 0xFFFFFF) >= 3.0;
+    }
+  }
+  return painted == 0 ? 0.0 : static_cast<double>(visible) / painted;
+}
+
+// Every button stays recognisable on a light and on a dark tool bar: enough of it, at least
+// its outline, stands out from either.
+TEST(Icons, VisibleOnLightAndDarkToolBars) {
+  const QRgb toolbars[] = {qRgb(0xef, 0xef, 0xef), qRgb(0x35, 0x35, 0x35), qRgb(0, 0, 0)};
+  for (const QString& key : icongen::ToolbarKeys()) {
+    for (int size : {16, 24}) {
+      for (QRgb toolbar : toolbars) {
+        const double share = visibleShare(icongen::PaintToolbarIcon(key, size), toolbar);
+        EXPECT_GE(share, 0.12) << key.toStdString() << " " << size << " px on #" << std::hex
+                               << (toolbar & 0xFFFFFF);
+      }
     }
   }
 }

@@ -18,6 +18,7 @@ using Painter = std::function<void(QPainter&)>;
 
 constexpr std::array kToolbarSizes{16, 24, 32, 48};
 constexpr std::array kAppIconSizes{16, 24, 32, 48, 64, 128, 256};
+const QColor kHalo(255, 255, 255, 235);
 
 QImage paintOnGrid(int size, const Painter& paint, bool text) {
   QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
@@ -38,6 +39,13 @@ void letter(QPainter& p, const QString& text, const QColor& color, bool italic =
   font.setItalic(italic);
   if (italic) font.setFamily(QStringLiteral("DejaVu Serif"));
   p.setFont(font);
+  // A light rim around the letter keeps a dark letter visible on a dark tool bar.
+  p.setPen(kHalo);
+  for (const QPointF offset :
+       {QPointF(-0.8, 0), QPointF(0.8, 0), QPointF(0, -0.8), QPointF(0, 0.8), QPointF(-0.6, -0.6),
+        QPointF(0.6, 0.6), QPointF(-0.6, 0.6), QPointF(0.6, -0.6)}) {
+    p.drawText(QRectF(0, 0, 16, 16).translated(offset), Qt::AlignCenter, text);
+  }
   p.setPen(color);
   p.drawText(QRectF(0, 0, 16, 16), Qt::AlignCenter, text);
 }
@@ -89,14 +97,19 @@ void helpMark(QPainter& p) {
 
 // A beam antenna on its mast, seen from above, with the arrow of its turn.
 void rotor(QPainter& p) {
-  p.setPen(QPen(QColor(60, 60, 60), 1.2, Qt::SolidLine, Qt::RoundCap));
-  p.drawLine(QPointF(8, 3), QPointF(8, 13));  // boom
-  for (double y : {4.0, 7.0, 10.0}) {
-    const double half = y < 5 ? 2.5 : 3.5;  // the director is shorter than the others
-    p.drawLine(QPointF(8 - half, y), QPointF(8 + half, y));
+  // Drawn twice: first wide in a light rim, which keeps the dark antenna visible on a dark
+  // tool bar, then in its own colour.
+  for (const QPen& pen : {QPen(kHalo, 2.8, Qt::SolidLine, Qt::RoundCap),
+                          QPen(QColor(60, 60, 60), 1.2, Qt::SolidLine, Qt::RoundCap)}) {
+    p.setPen(pen);
+    p.drawLine(QPointF(8, 3), QPointF(8, 13));  // boom
+    for (double y : {4.0, 7.0, 10.0}) {
+      const double half = y < 5 ? 2.5 : 3.5;  // the director is shorter than the others
+      p.drawLine(QPointF(8 - half, y), QPointF(8 + half, y));
+    }
   }
   p.setBrush(QColor(90, 90, 90));
-  p.setPen(Qt::NoPen);
+  p.setPen(QPen(kHalo, 0.8));
   p.drawEllipse(QPointF(8, 13), 1.6, 1.6);  // mast
   p.setBrush(Qt::NoBrush);
   p.setPen(QPen(QColor(0, 140, 0), 1.2, Qt::SolidLine, Qt::RoundCap));
