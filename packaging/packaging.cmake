@@ -34,6 +34,22 @@ if(TARGET marvento-log)
   install(TARGETS marvento-log RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 
+# A stripped install (the package) drops the compilers' version notes too, as Debian's own
+# strip step does; they take room and say nothing at run time.
+set(MARVENTO_PROGRAMS ${MARVENTO_APP_DIR}/marvento ${CMAKE_INSTALL_BINDIR}/marvento-nmea-sim)
+if(TARGET marvento-log)
+  list(APPEND MARVENTO_PROGRAMS ${CMAKE_INSTALL_BINDIR}/marvento-log)
+endif()
+install(CODE "
+  if(CMAKE_INSTALL_DO_STRIP)
+    foreach(program ${MARVENTO_PROGRAMS})
+      execute_process(COMMAND \"${CMAKE_OBJCOPY}\" --remove-section=.comment
+                              \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/\${program}\"
+                      COMMAND_ERROR_IS_FATAL ANY)
+    endforeach()
+  endif()
+")
+
 include(${MARVENTO_PACKAGING_DIR}/manpages.cmake)
 
 # Debian wants the changelog gzipped without name or time stamp, so that every build of a
