@@ -151,7 +151,7 @@ Result RenderPage(std::string_view source, std::string_view lang, std::string_vi
   std::size_t number = 0;
 
   auto fail = [&](const std::string& what) {
-    r.error = "line " + std::to_string(number) + ": " + what;
+    r.error = number ? "line " + std::to_string(number) + ": " + what : what;
     r.text.clear();
     return r;
   };
