@@ -40,15 +40,17 @@ set(MARVENTO_PROGRAMS ${MARVENTO_APP_DIR}/marvento ${CMAKE_INSTALL_BINDIR}/marve
 if(TARGET marvento-log)
   list(APPEND MARVENTO_PROGRAMS ${CMAKE_INSTALL_BINDIR}/marvento-log)
 endif()
-install(CODE "
-  if(CMAKE_INSTALL_DO_STRIP)
-    foreach(program ${MARVENTO_PROGRAMS})
-      execute_process(COMMAND \"${CMAKE_OBJCOPY}\" --remove-section=.comment
-                              \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/\${program}\"
-                      COMMAND_ERROR_IS_FATAL ANY)
-    endforeach()
-  endif()
-")
+if(CMAKE_OBJCOPY)
+  install(CODE "
+    if(CMAKE_INSTALL_DO_STRIP)
+      foreach(program ${MARVENTO_PROGRAMS})
+        execute_process(COMMAND \"${CMAKE_OBJCOPY}\" --remove-section=.comment
+                                \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/\${program}\"
+                        COMMAND_ERROR_IS_FATAL ANY)
+      endforeach()
+    endif()
+  ")
+endif()
 
 include(${MARVENTO_PACKAGING_DIR}/manpages.cmake)
 
