@@ -110,6 +110,21 @@ for page in "$build"/man/de/man1/*.1.gz; do
   read_page "$page" "$(basename "$page" .1.gz)" BEZEICHNUNG
 done
 
+# A command-line program's pages name every option its --help lists, so that neither runs
+# ahead of the other.
+for program in "$root"/usr/bin/*; do
+  name=$(basename "$program")
+  [ "$name" = marvento ] && continue  # the window; it has no options of its own
+  options=$(timeout 10 "$program" --help 2>&1 | grep -o -- '--[a-z][a-z-]*' | sort -u)
+  [ -n "$options" ] || fail "$name --help lists no options"
+  for page in "$root/usr/share/man/man1/$name.1.gz" "$root/usr/share/man/de/man1/$name.1.gz"; do
+    documented=$(LC_ALL=C.UTF-8 MANWIDTH=200 man -l "$page" 2>/dev/null | grep -o -- '--[a-z][a-z-]*' | sort -u)
+    for option in $options; do
+      echo "$documented" | grep -qx -- "$option" || fail "$page does not name $option"
+    done
+  done
+done
+
 # Depends names the package of every library the programs link, as dpkg-shlibdeps found it.
 depends=$(dpkg-deb -f "$deb" Depends | tr ',|' '\n\n' | sed 's/^ *//; s/[ (:].*//')
 for elf in $(find "$root/usr" -type f -perm -u+x); do
