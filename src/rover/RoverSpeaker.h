@@ -1,0 +1,45 @@
+#pragma once
+
+#include "rover/SpeechQueue.h"
+
+#include <QObject>
+#include <QString>
+
+class QTextToSpeech;
+
+namespace marvento {
+
+// Speaks through the desktop's speech service (Qt TextToSpeech, speech-dispatcher), one
+// message after the other. The service is opened at the first message; when there is none,
+// unavailable() comes once and every later message is dropped quietly.
+class RoverSpeaker : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit RoverSpeaker(QObject* parent = nullptr);
+  ~RoverSpeaker() override;
+
+  void say(const QString& text);
+  // Whether the service failed; nothing more is tried then.
+  bool failed() const { return m_failed; }
+  const SpeechQueue& queue() const { return m_queue; }
+
+ signals:
+  // The German reason why nothing can be spoken; once.
+  void unavailable(const QString& reason);
+  // A message was handed to the service.
+  void speaking(const QString& text);
+
+ private:
+  bool open();
+  void speakNow(const QString& text);
+  void onState(int state);
+  void fail(const QString& reason);
+
+  QTextToSpeech* m_speech = nullptr;
+  SpeechQueue m_queue;
+  bool m_failed = false;
+  bool m_started = false;  // the current message has been seen speaking
+};
+
+}  // namespace marvento
