@@ -45,22 +45,18 @@ void RoverSpeaker::say(const QString& text) {
 }
 
 void RoverSpeaker::speakNow(const QString& text) {
-  m_started = false;
+  const quint64 message = ++m_handed;
   m_speech->say(text);
   emit speaking(text);
-  // A service that never reports the message as spoken must not hold the queue for ever.
-  QTimer::singleShot(30000, this, [this, text] {
-    if (m_queue.speaking() && !m_started && m_speech->state() != QTextToSpeech::Speaking) {
-      onState(int(QTextToSpeech::Ready));
-    }
+  // A service that never reports the message as ended (a sound device that hangs) must not
+  // hold the queue for ever; no announcement takes this long.
+  QTimer::singleShot(kLongestMessage, this, [this, message] {
+    if (message == m_handed && m_queue.speaking()) onState(int(QTextToSpeech::Ready));
   });
 }
 
 void RoverSpeaker::onState(int state) {
-  if (state == QTextToSpeech::Speaking) {
-    m_started = true;
-    return;
-  }
+  if (state == QTextToSpeech::Speaking) return;
   if (state == QTextToSpeech::Error) {
     fail(QStringLiteral("Keine Sprachausgabe: %1").arg(m_speech->errorString()));
     return;

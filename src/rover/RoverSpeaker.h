@@ -39,7 +39,8 @@ class RoverSpeaker : public QObject {
   QTextToSpeech* m_speech = nullptr;
   SpeechQueue m_queue;
   bool m_failed = false;
-  bool m_started = false;  // the current message has been seen speaking
+  quint64 m_handed = 0;                          // messages handed to the service so far
+  static constexpr int kLongestMessage = 45000;  // ms
 };
 
 }  // namespace marvento
