@@ -14,6 +14,7 @@
 #include <QStatusBar>
 #include <QTimer>
 
+#include <algorithm>
 #include <cmath>
 
 namespace marvento {
@@ -180,7 +181,12 @@ void RoverLink::showAge(std::optional<qint64> ageMs) {
   const QString caption = ageMs
                               ? m_locatorCaption + QStringLiteral(" (%1 alt)").arg(ageText(*ageMs))
                               : m_locatorCaption;
-  if (m_view.locatorLabel->text() != caption) m_view.locatorLabel->setText(caption);
+  if (m_view.locatorLabel->text() == caption) return;
+  m_view.locatorLabel->setText(caption);
+  // The age may need more room than the caption alone; the label widens into the gap after it.
+  if (m_locatorWidth == 0) m_locatorWidth = m_view.locatorLabel->width();
+  m_view.locatorLabel->resize(std::max(m_locatorWidth, m_view.locatorLabel->sizeHint().width()),
+                              m_view.locatorLabel->height());
 }
 
 void RoverLink::announce() {

@@ -96,6 +96,7 @@ class RoverLink : public QObject {
   RoverSpeaker* m_speaker = nullptr;
   QTimer* m_watch = nullptr;
   QString m_locatorCaption;
+  int m_locatorWidth = 0;
   std::optional<GeoPoint> m_lastPosition;
   qint64 m_lastFixMs = 0;  // m_clock's reading at the last fix
   QElapsedTimer m_clock;

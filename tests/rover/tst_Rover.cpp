@@ -192,6 +192,40 @@ class tst_Rover : public QObject {
     QCOMPARE(again.count(QStringLiteral("<trkseg>")), 2);
   }
 
+  // What the store holds comes back as the dialog's values; a hand-edited value out of range
+  // falls back to the default or is held at the limit.
+  void settingsFromTheStore_data() {
+    QTest::addColumn<QStringList>("stored");  // Ansagen, Buchstabieren, FeldStufe, Feldrand
+    QTest::addColumn<bool>("announce");
+    QTest::addColumn<bool>("letters");
+    QTest::addColumn<int>("level");
+    QTest::addColumn<int>("margin");
+    QTest::newRow("nothing stored") << QStringList() << false << false << 6 << 25;
+    QTest::newRow("all set") << QStringList({"True", "Buchstaben", "4", "40"}) << true << true << 4
+                             << 40;
+    QTest::newRow("nonsense") << QStringList({"ja", "Morse", "5", "-3"}) << false << false << 6
+                              << 0;
+    QTest::newRow("too far") << QStringList({"true", "ICAO", "6", "9000"}) << true << false << 6
+                             << kMaxMarginM;
+  }
+  void settingsFromTheStore() {
+    QFETCH(QStringList, stored);
+    QFETCH(bool, announce);
+    QFETCH(bool, letters);
+    QFETCH(int, level);
+    QFETCH(int, margin);
+    const SettingKey keys[] = {SettingKey::Ansagen, SettingKey::Buchstabieren,
+                               SettingKey::FeldStufe, SettingKey::Feldrand};
+    for (int i = 0; i < stored.size(); ++i) SaveSetting(keys[i], stored[i]);
+    const RoverSettings loaded = LoadRoverSettings();
+    QCOMPARE(loaded.announce, announce);
+    QCOMPARE(loaded.spelling == Spelling::Letters, letters);
+    QCOMPARE(int(loaded.level), level);
+    QCOMPARE(loaded.marginM, margin);
+    SaveRoverSettings(loaded);
+    QCOMPARE(LoadRoverSettings(), loaded);
+  }
+
   // A file that cannot be written leaves nothing behind and says why.
   void trackWrittenWholeOrNotAtAll() {
     RoverLink link(RoverView{}, RoverHooks{});
