@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <QStandardPaths>
 #include <QStatusBar>
+#include <QThread>
 #include <QTimer>
 
 #include <algorithm>
@@ -37,7 +38,14 @@ QString ageText(qint64 ms) {
 RoverLink::RoverLink(const RoverView& view, RoverHooks hooks, QObject* parent)
     : QObject(parent), m_view(view), m_hooks(std::move(hooks)) {
   setObjectName(QStringLiteral("rover"));
-  m_speaker = new RoverSpeaker(this);
+  // The speech service is opened and fed in a thread of its own: opening it lists every voice
+  // it has, which takes seconds, and the window must not stand still meanwhile.
+  m_speechThread = new QThread(this);
+  m_speechThread->setObjectName(QStringLiteral("speech"));
+  m_speaker = new RoverSpeaker;
+  m_speaker->moveToThread(m_speechThread);
+  connect(m_speechThread, &QThread::finished, m_speaker, &QObject::deleteLater);
+  m_speechThread->start();
   connect(m_speaker, &RoverSpeaker::unavailable, this, [this](const QString& reason) {
     if (m_toldUnavailable || !m_view.lbInfo) return;
     m_toldUnavailable = true;
@@ -53,7 +61,16 @@ RoverLink::RoverLink(const RoverView& view, RoverHooks hooks, QObject* parent)
   apply(m_settings);
 }
 
-RoverLink::~RoverLink() = default;
+RoverLink::~RoverLink() {
+  m_speechThread->quit();
+  // A speech service that hangs must not hold up the end of the program.
+  m_speechThread->wait(5000);
+}
+
+void RoverLink::say(const QString& text) {
+  QMetaObject::invokeMethod(
+      m_speaker, [speaker = m_speaker, text] { speaker->say(text); }, Qt::QueuedConnection);
+}
 
 void RoverLink::apply(const RoverSettings& settings) {
   m_settings = settings;
@@ -70,7 +87,7 @@ void RoverLink::apply(const RoverSettings& settings) {
 }
 
 void RoverLink::speak(const QString& text) {
-  if (m_settings.announce) m_speaker->say(text);
+  if (m_settings.announce) say(text);
 }
 
 void RoverLink::takeFix(const GpsFix& fix) {
@@ -200,12 +217,15 @@ void RoverLink::announce() {
   const auto bearing =
       m_view.lblRichtung ? BearingOfCaption(m_view.lblRichtung->text()) : std::nullopt;
   if (!distance.isEmpty() && bearing) {
+    // A voice reads "km" letter by letter.
+    QString spoken = distance;
+    spoken.replace(QStringLiteral("km"), QStringLiteral("Kilometer"));
     text += QStringLiteral(" Entfernung %1, Richtung %2 Grad.")
-                .arg(distance)
+                .arg(spoken)
                 .arg(std::lround(*bearing) % 360);
   }
   // Asked for by key: spoken also with the announcements off.
-  m_speaker->say(text);
+  say(text);
 }
 
 QString RoverLink::saveTrackTo(const QString& path) {

@@ -18,6 +18,7 @@
 class QLabel;
 class QLineEdit;
 class QStatusBar;
+class QThread;
 class QTimer;
 class QWidget;
 
@@ -70,6 +71,9 @@ class RoverLink : public QObject {
   QString saveTrackTo(const QString& path);
 
   const RoverTrack& track() const { return m_track; }
+  // Hands a message to the speaker, which runs in a thread of its own; its signals come back
+  // queued.
+  void say(const QString& text);
   RoverSpeaker& speaker() { return *m_speaker; }
   // Once a second while reception is on; public for tests that do not want to wait.
   void checkReception();
@@ -94,6 +98,7 @@ class RoverLink : public QObject {
   ApproachWatch m_approach;
   RoverTrack m_track;
   RoverSpeaker* m_speaker = nullptr;
+  QThread* m_speechThread = nullptr;
   QTimer* m_watch = nullptr;
   QString m_locatorCaption;
   int m_locatorWidth = 0;

@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QString>
 
+#include <atomic>
+
 class QTextToSpeech;
 
 namespace marvento {
@@ -20,9 +22,8 @@ class RoverSpeaker : public QObject {
   ~RoverSpeaker() override;
 
   void say(const QString& text);
-  // Whether the service failed; nothing more is tried then.
+  // Whether the service failed; nothing more is tried then. Safe from any thread.
   bool failed() const { return m_failed; }
-  const SpeechQueue& queue() const { return m_queue; }
 
  signals:
   // The German reason why nothing can be spoken; once.
@@ -38,7 +39,7 @@ class RoverSpeaker : public QObject {
 
   QTextToSpeech* m_speech = nullptr;
   SpeechQueue m_queue;
-  bool m_failed = false;
+  std::atomic<bool> m_failed = false;
   quint64 m_handed = 0;                          // messages handed to the service so far
   static constexpr int kLongestMessage = 45000;  // ms
 };
