@@ -1,5 +1,7 @@
 #include "rover/RoverSpeaker.h"
 
+#include "rover/Spelling.h"
+
 #include <QLocale>
 #include <QTextToSpeech>
 #include <QTimer>
@@ -31,6 +33,7 @@ bool RoverSpeaker::open() {
   for (const QLocale& locale : m_speech->availableLocales()) {
     if (locale.language() == QLocale::German) {
       m_speech->setLocale(locale == german ? german : locale);
+      m_german = true;
       break;
     }
   }
@@ -46,7 +49,7 @@ void RoverSpeaker::say(const QString& text) {
 
 void RoverSpeaker::speakNow(const QString& text) {
   const quint64 message = ++m_handed;
-  m_speech->say(text);
+  m_speech->say(m_german ? ForGermanVoice(text) : text);
   emit speaking(text);
   // A service that never reports the message as ended (a sound device that hangs) must not
   // hold the queue for ever; no announcement takes this long.

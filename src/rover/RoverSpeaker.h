@@ -28,7 +28,7 @@ class RoverSpeaker : public QObject {
  signals:
   // The German reason why nothing can be spoken; once.
   void unavailable(const QString& reason);
-  // A message was handed to the service.
+  // A message was handed to the service (as written; a German voice gets ForGermanVoice).
   void speaking(const QString& text);
 
  private:
@@ -40,6 +40,7 @@ class RoverSpeaker : public QObject {
   QTextToSpeech* m_speech = nullptr;
   SpeechQueue m_queue;
   std::atomic<bool> m_failed = false;
+  bool m_german = false;                         // the service speaks with a German voice
   quint64 m_handed = 0;                          // messages handed to the service so far
   static constexpr int kLongestMessage = 45000;  // ms
 };

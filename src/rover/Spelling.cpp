@@ -1,5 +1,6 @@
 #include "rover/Spelling.h"
 
+#include <QRegularExpression>
 #include <QStringList>
 
 namespace marvento {
@@ -21,6 +22,23 @@ QString SpellLocator(const QString& locator, Spelling spelling) {
     }
   }
   return words.join(u' ');
+}
+
+QString ForGermanVoice(const QString& text) {
+  // Heard with espeak-ng's German voice: these came out as German words or letters.
+  static const struct {
+    const char* word;
+    const char* spoken;
+  } kSaid[] = {{"Juliett", "Dschuliett"}, {"Mike", "Maik"},    {"Quebec", "Kebeck"},
+               {"Whiskey", "Wiski"},      {"X-Ray", "Ex-Rei"}, {"Yankee", "Jänki"}};
+  QString out = text;
+  for (const auto& s : kSaid) {
+    out.replace(
+        QRegularExpression(QStringLiteral("\\b%1\\b")
+                               .arg(QRegularExpression::escape(QString::fromLatin1(s.word)))),
+        QString::fromUtf8(s.spoken));
+  }
+  return out;
 }
 
 }  // namespace marvento

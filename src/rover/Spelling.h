@@ -12,4 +12,8 @@ enum class Spelling { Icao, Letters };
 // characters are left out.
 QString SpellLocator(const QString& locator, Spelling spelling);
 
+// The text as a German voice should get it: the ICAO words that it would read as German words
+// ("Mike" as "Micke") are written the way they are said on the air ("Maik").
+QString ForGermanVoice(const QString& text);
+
 }  // namespace marvento

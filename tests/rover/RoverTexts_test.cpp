@@ -29,6 +29,23 @@ TEST(SpellLocator, IcaoAndLetters) {
   }
 }
 
+TEST(ForGermanVoice, RespellsOnlyWholeIcaoWords) {
+  struct Case {
+    const char* text;
+    const char* spoken;
+  };
+  const Case cases[] = {
+      {"Neues Feld: Juliett Oscar sechs zwei Romeo Mike",
+       "Neues Feld: Dschuliett Oscar sechs zwei Romeo Maik"},
+      {"Quebec X-Ray Yankee Whiskey", "Kebeck Ex-Rei Jänki Wiski"},
+      {"Mikes Mikrofon", "Mikes Mikrofon"},
+      {"GPS-Empfang verloren.", "GPS-Empfang verloren."},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(ForGermanVoice(QString::fromUtf8(c.text)), QString::fromUtf8(c.spoken)) << c.text;
+  }
+}
+
 // Each row: what happens, and what is spoken at once (empty: nothing) and what waits after it.
 TEST(SpeechQueue, NeverCutsOffAndStaysBounded) {
   struct Row {
