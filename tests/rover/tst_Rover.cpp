@@ -2,6 +2,7 @@
 // with GPS noise and a loss of reception, and the track read back by gpsbabel.
 
 #include "app/frmMain.h"
+#include "options/frmOptions.h"
 
 #include "../gps/PtyFeeder.h"
 #include "platform/MsgBoxRecorder.h"
@@ -12,10 +13,13 @@
 #include "support/ProgramFixture.h"
 #include "support/Pty.h"
 
+#include <QCheckBox>
+#include <QComboBox>
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProcess>
+#include <QSpinBox>
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QTimer>
@@ -224,6 +228,38 @@ class tst_Rover : public QObject {
     QCOMPARE(loaded.marginM, margin);
     SaveRoverSettings(loaded);
     QCOMPARE(LoadRoverSettings(), loaded);
+  }
+
+  // The dialog's group "Unterwegs" shows the settings it is given and returns what the user
+  // chose with the keyboard (Alt+N toggles the announcements).
+  void settingsDialogGroup() {
+    Preferences given;
+    given.rover = {true, Spelling::Letters, SquareLevel::Four, 40};
+    MsgBoxRecorder boxes;
+    frmOptions dialog(given, nullptr);
+    dialog.show();
+    dialog.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&dialog));
+    auto* announce = dialog.findChild<QCheckBox*>(QStringLiteral("chkAnsagen"));
+    auto* spelling = dialog.findChild<QComboBox*>(QStringLiteral("cbBuchstabieren"));
+    auto* level = dialog.findChild<QComboBox*>(QStringLiteral("cbFeldStufe"));
+    auto* margin = dialog.findChild<QSpinBox*>(QStringLiteral("sbFeldrand"));
+    QVERIFY(announce && spelling && level && margin);
+    QVERIFY(announce->isChecked());
+    QCOMPARE(spelling->currentText(), QStringLiteral("Buchstaben"));
+    QCOMPARE(level->currentText(), QStringLiteral("4 Zeichen (JO62)"));
+    QCOMPARE(margin->value(), 40);
+    QTest::keyClick(&dialog, Qt::Key_N, Qt::AltModifier);
+    QTRY_VERIFY(!announce->isChecked());  // a mnemonic clicks the box a moment later
+    QTest::keyClick(&dialog, Qt::Key_I, Qt::AltModifier);  // to the margin
+    QVERIFY(margin->hasFocus());
+    margin->selectAll();
+    QTest::keyClicks(margin, QStringLiteral("10"));
+    level->setCurrentIndex(1);
+    QTest::keyClick(&dialog, Qt::Key_O, Qt::AltModifier);
+    QTRY_COMPARE(dialog.result(), int(QDialog::Accepted));
+    const RoverSettings chosen{false, Spelling::Letters, SquareLevel::Six, 10};
+    QCOMPARE(dialog.chosen().rover, chosen);
   }
 
   // A file that cannot be written leaves nothing behind and says why.
