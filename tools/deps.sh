@@ -6,7 +6,9 @@ packages="cmake ninja-build g++ pkg-config qt6-base-dev qt6-serialport-dev qt6-t
   googletest libgtest-dev libbenchmark-dev xvfb xauth clang libclang-rt-14-dev
   poppler-utils appstream desktop-file-utils dpkg-dev file xdotool x11-utils libhamlib-utils
   at-spi2-core python3-pyatspi dbus dbus-x11 openbox
-  lintian man-db groff-base binutils gzip"
+  lintian man-db groff-base binutils gzip
+  qt6-speech-dev qt6-declarative-dev qt6-speech-speechd-plugin speech-dispatcher speech-dispatcher-espeak-ng
+  espeak-ng gpsbabel"
 missing=""
 for p in $packages; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"

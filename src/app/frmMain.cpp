@@ -28,7 +28,7 @@
 #include "platform/Settings.h"
 #include "platform/Timer.h"
 #include "platform/Twips.h"
-#include "station/GridCrossing.h"
+#include "rover/RoverLink.h"
 #include "station/StationAddress.h"
 #include "station/StationLinks.h"
 
@@ -91,7 +91,7 @@ struct frmMain::Subsystems {
   std::unique_ptr<GpsLog> log;
   EntryControls entry;
   std::unique_ptr<StationLinks> links;
-  GridCrossing crossing;
+  RoverLink* rover = nullptr;
 };
 
 std::function<void()>& frmMain::exitProcess() {
@@ -164,6 +164,18 @@ frmMain::frmMain(Module1& state, QWidget* parent)
   });
   connect(m_sub->links.get(), &StationLinks::rotorAzimuth, this, &frmMain::showRotor);
   connect(m_sub->links.get(), &StationLinks::notice, lbInfo, &QLabel::setText);
+  RoverHooks roverHooks;
+  roverHooks.receptionOn = [this] { return GpsOn(m_state); };
+  roverHooks.pollIntervalMs = [this] { return Timer1->interval(); };
+  roverHooks.writeLog = [this] {
+    if (m_state.ProtokollOn) WriteGpsLog();
+  };
+  roverHooks.tellLocator = [this](const QString& locator) { m_sub->links->ownLocator(locator); };
+  m_sub->rover = new RoverLink(
+      {this, lbFeldrand, lbInfo, Label4, tbMyLoc, lblEntfernung, lblRichtung, sbStatusBar},
+      std::move(roverHooks), this);
+  connect(this, &frmMain::fixTaken, m_sub->rover, &RoverLink::takeFix);
+  connect(this, &frmMain::receptionOff, m_sub->rover, &RoverLink::receptionOff);
 
   // A poll fences off everything but tbFremdLoc; the menu entries go with their menus so
   // that no shortcut starts a command inside a poll.
@@ -323,7 +335,8 @@ void frmMain::buildControls() {
   lbInfo = infoLine("lbInfo", QStringLiteral("Info:"), TwipsToPx(3480 - kToolBarTwips), 2);
   lbInfo->setWordWrap(true);
   lbKurs = infoLine("lbKurs", QStringLiteral("Kurs"), lbInfo->geometry().bottom() + 1, 1);
-  client->setFixedSize(clientWidth, lbKurs->geometry().bottom() + 1 + TwipsToPx(90));
+  lbFeldrand = infoLine("lbFeldrand", QString(), lbKurs->geometry().bottom() + 1, 1);
+  client->setFixedSize(clientWidth, lbFeldrand->geometry().bottom() + 1 + TwipsToPx(90));
 
   Label4->setBuddy(tbMyLoc);
   Label1->setBuddy(tbFremdLoc);
@@ -370,6 +383,10 @@ void frmMain::buildMenus() {
   mnuProtokoll = action(mnuAktion, "mnuProtokoll", QStringLiteral("&Protokoll schreiben"),
                         QKeySequence(), &frmMain::mnuProtokoll_Click);
   mnuProtokoll->setCheckable(true);
+  mnuStrecke = action(mnuAktion, "mnuStrecke", QStringLiteral("&Strecke speichern…"),
+                      QKeySequence(), &frmMain::mnuStrecke_Click);
+  mnuAnsage = action(mnuAktion, "mnuAnsage", QStringLiteral("Standort &ansagen"),
+                     QKeySequence(Qt::CTRL | Qt::Key_L), &frmMain::mnuAnsage_Click);
   separator(mnuAktion, "Sep2");
   mnuBeenden = action(mnuAktion, "mnuBeenden", QStringLiteral("&Beenden"),
                       QKeySequence(Qt::CTRL | Qt::Key_B), &frmMain::mnuBeenden_Click);
@@ -461,9 +478,9 @@ void frmMain::fitWidth() {
   if (m_baseClientWidth == 0) m_baseClientWidth = centralWidget()->width();
   const int width = std::max(m_baseClientWidth, sbStatusBar->sizeHint().width());
   centralWidget()->setFixedWidth(width);
-  for (QWidget* line :
-       {static_cast<QWidget*>(Line1), static_cast<QWidget*>(Line2), static_cast<QWidget*>(Line3),
-        static_cast<QWidget*>(lbInfo), static_cast<QWidget*>(lbKurs)}) {
+  for (QWidget* line : {static_cast<QWidget*>(Line1), static_cast<QWidget*>(Line2),
+                        static_cast<QWidget*>(Line3), static_cast<QWidget*>(lbInfo),
+                        static_cast<QWidget*>(lbKurs), static_cast<QWidget*>(lbFeldrand)}) {
     line->resize(width, line->height());
   }
 }
@@ -507,6 +524,7 @@ void frmMain::Form_Load() {
   fillRadiusList();
   m_clockTimer->start();
   mnuProtokoll->setChecked(m_state.ProtokollOn);
+  m_sub->rover->apply(LoadRoverSettings());
   lbInfo->clear();
   lbKurs->clear();
   applyStationLinks();
@@ -519,6 +537,10 @@ void frmMain::applyStationLinks() {
 
 StationLinks& frmMain::stationLinks() {
   return *m_sub->links;
+}
+
+RoverLink& frmMain::rover() {
+  return *m_sub->rover;
 }
 
 void frmMain::refit() {
@@ -680,6 +702,7 @@ Preferences frmMain::preferences() const {
   static_cast<BasicSettings&>(p) = m_state;
   if (p.GpsdAddress.isEmpty()) p.GpsdAddress = kDefaultGpsdAddress;
   p.receptionOn = GpsOn(m_state);
+  p.rover = m_sub->rover->settings();
   for (std::size_t i = 0; i < p.stations.size(); ++i) {
     p.stations[i] = LoadStationAddress(static_cast<StationProgram>(i));
   }
@@ -715,8 +738,8 @@ void frmMain::applyPreferences(const Preferences& p) {
   // gpsd's connection stays open only while gpsd is the source of running reception.
   if (!IsGpsdSource(m_state.ComPort) || !GpsOn(m_state)) m_sub->poll->closeGpsd();
   applyStationLinks();
-  // Reception may have been switched off and on: its next fix starts a new track.
-  m_sub->crossing.reset();
+  SaveRoverSettings(p.rover);
+  m_sub->rover->apply(p.rover);
 }
 
 void frmMain::mnuProtokoll_Click() {
@@ -804,10 +827,10 @@ void frmMain::Compute() {
   runCompute();
 }
 
-void frmMain::runCompute() {
+void frmMain::runCompute(bool tellLinks) {
   m_sub->compute->Compute();
   // The links send only a valid locator, and only when it has changed.
-  m_sub->links->ownLocator(tbMyLoc->text());
+  if (tellLinks) m_sub->links->ownLocator(tbMyLoc->text());
   emit computed(stationPair());
 }
 
@@ -829,18 +852,17 @@ StationPair frmMain::stationPair() const {
 
 void frmMain::fixComputed() {
   // A fix keeps the user's choice of direction: F3 then Ctrl+D turns to the opposite also
-  // while the position moves on.
-  runCompute();
-  if (!GpsOn(m_state)) {
-    m_sub->crossing.reset();
-    return;
-  }
-  const GridCrossing::Step step = m_sub->crossing.next(tbMyLoc->text());
-  if (!step.crossed) return;
-  // Every square passed is a place of the track, whatever else the log's rules would skip.
-  if (m_state.ProtokollOn) WriteGpsLog();
-  sbStatusBar->showMessage(QStringLiteral("Neues Feld: ") + step.to, 5000);
-  Beep();
+  // while the position moves on. The rover tells the links the locator of a settled square
+  // and handles the crossings.
+  runCompute(!GpsOn(m_state));
+}
+
+void frmMain::mnuStrecke_Click() {
+  m_sub->rover->saveTrack();
+}
+
+void frmMain::mnuAnsage_Click() {
+  m_sub->rover->announce();
 }
 
 void frmMain::WriteGpsLog() {

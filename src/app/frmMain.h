@@ -24,6 +24,7 @@ namespace marvento {
 
 class CommControl;
 class HeightTable;
+class RoverLink;
 class StationLinks;
 struct Preferences;
 
@@ -56,6 +57,8 @@ class frmMain : public QMainWindow {
   QLabel* lblRichtung = nullptr;
   QLabel* lbInfo = nullptr;
   QLabel* lbKurs = nullptr;
+  // The square boundary ahead on the road, or that reception is lost.
+  QLabel* lbFeldrand = nullptr;
   QFrame* Line1 = nullptr;
   QFrame* Line2 = nullptr;
   QFrame* Line3 = nullptr;
@@ -79,6 +82,8 @@ class frmMain : public QMainWindow {
   QAction* mnuRotor = nullptr;
   QAction* mnuGrundeinstellungen = nullptr;
   QAction* mnuProtokoll = nullptr;
+  QAction* mnuStrecke = nullptr;
+  QAction* mnuAnsage = nullptr;
   QAction* mnuBeenden = nullptr;
   QAction* mnuHilfe = nullptr;
   QAction* mnuInfo = nullptr;
@@ -101,6 +106,8 @@ class frmMain : public QMainWindow {
   void mnuRotor_Click();
   void mnuGrundeinstellungen_Click();
   void mnuProtokoll_Click();
+  void mnuStrecke_Click();
+  void mnuAnsage_Click();
   void mnuBeenden_Click();
   void mnuHilfe_Click();
   void mnuInfo_Click();
@@ -116,6 +123,9 @@ class frmMain : public QMainWindow {
   Preferences preferences() const;
   void applyPreferences(const Preferences& chosen);
   StationLinks& stationLinks();
+  // Life on the road: the boundary ahead (its signal boundaryAhead feeds the map), crossings,
+  // announcements and the track.
+  RoverLink& rover();
   void WriteGpsLog();
   // One height sample from a good GGA sentence, and the table it goes into.
   void HeightSample(const QString& alt, const QString& unit, const QString& sats);
@@ -177,7 +187,7 @@ class frmMain : public QMainWindow {
   void UnlockEntry();
   void startPoll(std::function<void()> then = {});
   void activateAfterDialog();
-  void runCompute();
+  void runCompute(bool tellLinks = true);
   void fixComputed();
   void showRotor(std::optional<double> azimuth);
   void refit();

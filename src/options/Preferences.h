@@ -1,6 +1,7 @@
 #pragma once
 
 #include "gps/GpsExchange.h"
+#include "rover/RoverSettings.h"
 #include "station/StationAddress.h"
 
 #include <QString>
@@ -28,6 +29,7 @@ struct BasicSettings {
 struct Preferences : BasicSettings {
   bool receptionOn = false;                  // "GPS an"
   std::array<StationAddress, 3> stations{};  // in StationProgram order; Off when not used
+  RoverSettings rover;                       // the group "Unterwegs"
 };
 
 }  // namespace marvento

@@ -24,6 +24,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QShowEvent>
+#include <QSpinBox>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -188,6 +189,48 @@ void frmOptions::build() {
     frame4Layout->addWidget(row.address, static_cast<int>(i), 1);
   }
 
+  auto* frame5 = makeFrame("Frame5", QStringLiteral("Unterwegs"));
+  auto* frame5Layout = new QGridLayout(frame5);
+  m_chkAnsagen = makeButton<QCheckBox>(
+      frame5, "chkAnsagen", QStringLiteral("A&nsagen"),
+      QStringLiteral(" Neue Felder, die nächste Feldgrenze und den GPS-Empfang ansagen "));
+  m_cbBuchstabieren = new QComboBox(frame5);
+  m_cbBuchstabieren->setObjectName(QStringLiteral("cbBuchstabieren"));
+  m_cbBuchstabieren->setToolTip(QStringLiteral(" Wie der Locator angesagt wird "));
+  m_cbBuchstabieren->addItems({QStringLiteral("ICAO-Alphabet"), QStringLiteral("Buchstaben")});
+  m_cbFeldStufe = new QComboBox(frame5);
+  m_cbFeldStufe->setObjectName(QStringLiteral("cbFeldStufe"));
+  m_cbFeldStufe->setToolTip(QStringLiteral(" Nach welchen Feldern unterwegs gezählt wird "));
+  m_cbFeldStufe->addItems(
+      {QStringLiteral("4 Zeichen (JO62)"), QStringLiteral("6 Zeichen (JO62RM)")});
+  m_sbFeldrand = new QSpinBox(frame5);
+  m_sbFeldrand->setObjectName(QStringLiteral("sbFeldrand"));
+  m_sbFeldrand->setToolTip(
+      QStringLiteral(" So weit muss die Position im neuen Feld liegen, bevor es zählt "));
+  m_sbFeldrand->setRange(0, kMaxMarginM);
+  m_sbFeldrand->setSingleStep(5);
+  m_sbFeldrand->setSuffix(QStringLiteral(" m"));
+  const auto frame5Label = [&](const char* name, const QString& text, QWidget* buddy) {
+    auto* l = makeLabel(frame5, name, text, buddy);
+    l->setFont(normal);
+    return l;
+  };
+  frame5Layout->addWidget(m_chkAnsagen, 0, 0);
+  frame5Layout->addWidget(
+      frame5Label("LabelBuchstabieren", QStringLiteral("Bu&chstabieren:"), m_cbBuchstabieren), 0,
+      1);
+  frame5Layout->addWidget(m_cbBuchstabieren, 0, 2);
+  frame5Layout->addWidget(frame5Label("LabelFeldStufe", QStringLiteral("&Felder:"), m_cbFeldStufe),
+                          1, 0);
+  frame5Layout->addWidget(m_cbFeldStufe, 1, 1);
+  frame5Layout->addWidget(
+      frame5Label("LabelFeldrand", QStringLiteral("Abstand &im neuen Feld:"), m_sbFeldrand), 1, 2);
+  frame5Layout->addWidget(m_sbFeldrand, 1, 3);
+  for (QWidget* w : {static_cast<QWidget*>(m_chkAnsagen), static_cast<QWidget*>(m_cbBuchstabieren),
+                     static_cast<QWidget*>(m_cbFeldStufe), static_cast<QWidget*>(m_sbFeldrand)}) {
+    w->setFont(normal);
+  }
+
   // The frames' bold caption is not meant for what they hold.
   for (QWidget* child : {static_cast<QWidget*>(m_Option1_0), static_cast<QWidget*>(m_Option1_1),
                          static_cast<QWidget*>(m_Check1), static_cast<QWidget*>(m_Option3),
@@ -251,6 +294,7 @@ void frmOptions::build() {
   layout->addLayout(gpsdRow);
   layout->addLayout(frameRow);
   layout->addWidget(frame4);
+  layout->addWidget(frame5);
   layout->addLayout(bottomRow);
   setFixedSize(sizeHint());
 
@@ -273,6 +317,10 @@ void frmOptions::build() {
                                m_stations[1].address,
                                m_stations[2].on,
                                m_stations[2].address,
+                               m_chkAnsagen,
+                               m_cbBuchstabieren,
+                               m_cbFeldStufe,
+                               m_sbFeldrand,
                                m_Text1};
   for (std::size_t i = 1; i < std::size(tabOrder); ++i) {
     setTabOrder(tabOrder[i - 1], tabOrder[i]);
@@ -353,6 +401,11 @@ void frmOptions::Form_Load() {
   (m_chosen.GradDezimal ? m_Option4 : m_Option3)->setChecked(true);
   m_Check1->setChecked(m_chosen.GpsZeit);
   (m_chosen.Loc10st ? m_Option2_1 : m_Option2_0)->setChecked(true);
+
+  m_chkAnsagen->setChecked(m_chosen.rover.announce);
+  m_cbBuchstabieren->setCurrentIndex(m_chosen.rover.spelling == Spelling::Icao ? 0 : 1);
+  m_cbFeldStufe->setCurrentIndex(m_chosen.rover.level == SquareLevel::Four ? 0 : 1);
+  m_sbFeldrand->setValue(m_chosen.rover.marginM);
 
   m_tbGpsd->setText(m_chosen.GpsdAddress.isEmpty() ? kDefaultGpsdAddress : m_chosen.GpsdAddress);
   for (std::size_t i = 0; i < m_stations.size(); ++i) {
@@ -453,6 +506,10 @@ void frmOptions::Command1_Click() {
   // A valid address typed while a port is the source is kept for a later switch to gpsd.
   if (ParseGpsdAddress(gpsdAddress)) next.GpsdAddress = gpsdAddress;
   next.stations = stations;
+  next.rover.announce = m_chkAnsagen->isChecked();
+  next.rover.spelling = m_cbBuchstabieren->currentIndex() == 0 ? Spelling::Icao : Spelling::Letters;
+  next.rover.level = m_cbFeldStufe->currentIndex() == 0 ? SquareLevel::Four : SquareLevel::Six;
+  next.rover.marginM = m_sbFeldrand->value();
   m_chosen = next;
   accept();
 }

@@ -15,6 +15,7 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
+class QSpinBox;
 class QShowEvent;
 
 namespace marvento {
@@ -78,6 +79,11 @@ class frmOptions : public QDialog {
     QLineEdit* address = nullptr;
   };
   std::array<StationRow, 3> m_stations{};  // WSJT-X, JS8Call, rotator, in StationProgram order
+  // The group "Unterwegs".
+  QCheckBox* m_chkAnsagen = nullptr;
+  QComboBox* m_cbBuchstabieren = nullptr;
+  QComboBox* m_cbFeldStufe = nullptr;
+  QSpinBox* m_sbFeldrand = nullptr;  // WSJT-X, JS8Call, rotator, in StationProgram order
 };
 
 }  // namespace marvento

@@ -121,6 +121,10 @@ QString SettingName(SettingKey key) {
     case SettingKey::Wsjtx: return QStringLiteral("Wsjtx");
     case SettingKey::Js8Call: return QStringLiteral("Js8Call");
     case SettingKey::Rotor: return QStringLiteral("Rotor");
+    case SettingKey::Ansagen: return QStringLiteral("Ansagen");
+    case SettingKey::Buchstabieren: return QStringLiteral("Buchstabieren");
+    case SettingKey::FeldStufe: return QStringLiteral("FeldStufe");
+    case SettingKey::Feldrand: return QStringLiteral("Feldrand");
   }
   return {};
 }

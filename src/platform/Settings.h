@@ -12,22 +12,26 @@ namespace marvento {
 // application "Marvento" ($XDG_CONFIG_HOME/Marvento/Marvento.conf); these keys sit in its
 // group "Settings", each value a text.
 enum class SettingKey {
-  Gps,          // "GPS": "GPS an" or "GPS aus"
-  GradDezimal,  // "Grad_Dezimal"
-  GpsZeit,      // "GPS-Zeit"
-  GpsInterval,  // "GPS-Interval", seconds
-  BitSek,       // "Bit-Sek", the baud rate
-  Com,          // "Com": "Com1" to "Com29", or "gpsd"
-  Protokoll,    // "Protokoll"
-  Loc10st,      // "Loc10st"
-  MyHomeLoc,    // "MyHomeLoc"
-  Radius,       // "Radius": the position in the radius list
-  MainLeft,     // "MainLeft", twips
-  MainTop,      // "MainTop", twips
-  Gpsd,         // "Gpsd": host:port of gpsd
-  Wsjtx,        // "Wsjtx": host:port, empty when off
-  Js8Call,      // "Js8Call"
-  Rotor,        // "Rotor"
+  Gps,            // "GPS": "GPS an" or "GPS aus"
+  GradDezimal,    // "Grad_Dezimal"
+  GpsZeit,        // "GPS-Zeit"
+  GpsInterval,    // "GPS-Interval", seconds
+  BitSek,         // "Bit-Sek", the baud rate
+  Com,            // "Com": "Com1" to "Com29", or "gpsd"
+  Protokoll,      // "Protokoll"
+  Loc10st,        // "Loc10st"
+  MyHomeLoc,      // "MyHomeLoc"
+  Radius,         // "Radius": the position in the radius list
+  MainLeft,       // "MainLeft", twips
+  MainTop,        // "MainTop", twips
+  Gpsd,           // "Gpsd": host:port of gpsd
+  Wsjtx,          // "Wsjtx": host:port, empty when off
+  Js8Call,        // "Js8Call"
+  Rotor,          // "Rotor"
+  Ansagen,        // "Ansagen": "True" speaks crossings, boundaries ahead and reception
+  Buchstabieren,  // "Buchstabieren": "ICAO" or "Buchstaben"
+  FeldStufe,      // "FeldStufe": 4 or 6 characters
+  Feldrand,       // "Feldrand": metres inside a new square before a crossing counts
 };
 
 // The key's name in the store.
