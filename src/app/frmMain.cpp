@@ -5,6 +5,7 @@
 #include "app/InstanceGuard.h"
 #include "app/SettingsStore.h"
 #include "distance/ComputeCommand.h"
+#include "distance/Coordinates.h"
 #include "distance/GreatCircle.h"
 #include "distance/ReverseBearing.h"
 #include "gps/EntryLock.h"
@@ -16,6 +17,7 @@
 #include "height/HeightTable.h"
 #include "help/ShowHelp.h"
 #include "help/frmAbout.h"
+#include "map/MapLink.h"
 #include "options/Preferences.h"
 #include "options/frmOptions.h"
 #include "platform/Clock.h"
@@ -85,6 +87,7 @@ struct frmMain::Subsystems {
   EntryControls entry;
   std::unique_ptr<StationLinks> links;
   GridCrossing crossing;
+  MapLink* map = nullptr;
 };
 
 std::function<void()>& frmMain::exitProcess() {
@@ -156,6 +159,12 @@ frmMain::frmMain(Module1& state, QWidget* parent)
     refit();
   });
   connect(m_sub->links.get(), &StationLinks::rotorAzimuth, this, &frmMain::showRotor);
+  m_sub->map = new MapLink(this);
+  connect(this, &frmMain::computed, m_sub->map, &MapLink::computed);
+  connect(this, &frmMain::fixTaken, m_sub->map, &MapLink::fixTaken);
+  connect(m_sub->links.get(), &StationLinks::rotorAzimuth, m_sub->map, &MapLink::rotorAzimuth);
+  connect(m_sub->links.get(), &StationLinks::rotorTurned, m_sub->map, &MapLink::rotorTurned);
+  connect(m_sub->map, &MapLink::remoteChosen, this, &frmMain::takeRemote);
 
   // A poll fences off everything but tbFremdLoc; the menu entries go with their menus so
   // that no shortcut starts a command inside a poll.
@@ -343,6 +352,8 @@ void frmMain::buildMenus() {
                        QKeySequence(Qt::CTRL | Qt::Key_H), &frmMain::mnuGPS_Höhe_Click);
   mnuRotor = action(mnuAktion, "mnuRotor", QStringLiteral("Antenne &drehen"),
                     QKeySequence(Qt::CTRL | Qt::Key_D), &frmMain::mnuRotor_Click);
+  mnuKarte = action(mnuAktion, "mnuKarte", QStringLiteral("&Karte"),
+                    QKeySequence(Qt::CTRL | Qt::Key_K), &frmMain::mnuKarte_Click);
   separator(mnuAktion, "mnuSep3");
   mnuGrundeinstellungen =
       action(mnuAktion, "mnuGrundeinstellungen", QStringLiteral("&Grundeinstellungen"),
@@ -375,6 +386,7 @@ void frmMain::buildToolBar() {
   const QString keys[] = {QStringLiteral("Neu"),
                           QStringLiteral("Rechnen"),
                           QStringLiteral("Rotor"),
+                          QStringLiteral("Karte"),
                           QStringLiteral("Beenden"),
                           QString(),
                           QStringLiteral("Grundeinstellungen"),
@@ -605,6 +617,20 @@ void frmMain::mnuGegenRichtung_Click() {
   emit computed(stationPair());
 }
 
+void frmMain::mnuKarte_Click() {
+  m_sub->map->open();
+}
+
+void frmMain::takeRemote(const GeoPoint& place) {
+  if (!tbFremdLg->isEnabled()) return;
+  const auto lg = CoordinateText(place.lon, m_state.GradDezimal);
+  const auto br = CoordinateText(place.lat, m_state.GradDezimal);
+  if (!lg || !br) return;
+  tbFremdLg->setText(*lg);
+  tbFremdBr->setText(*br);
+  Compute();
+}
+
 void frmMain::mnuRotor_Click() {
   const QString title = QStringLiteral(" Antenne drehen");
   if (!m_sub->links->rotorOn()) {
@@ -826,6 +852,8 @@ void frmMain::tbToolBar_ButtonClick(const QString& key) {
     tbFremdLoc->setFocus();
   } else if (key == u"Rotor") {
     mnuRotor_Click();
+  } else if (key == u"Karte") {
+    mnuKarte_Click();
   } else if (key == u"Beenden") {
     mnuBeenden_Click();
   } else if (key == u"Grundeinstellungen") {

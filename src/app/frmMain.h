@@ -77,6 +77,7 @@ class frmMain : public QMainWindow {
   QAction* mnuGegenRichtung = nullptr;
   QAction* mnuGPS_Höhe = nullptr;
   QAction* mnuRotor = nullptr;
+  QAction* mnuKarte = nullptr;
   QAction* mnuGrundeinstellungen = nullptr;
   QAction* mnuProtokoll = nullptr;
   QAction* mnuBeenden = nullptr;
@@ -99,6 +100,9 @@ class frmMain : public QMainWindow {
   // Turns the antenna to the bearing last computed, or to its opposite when F3 showed that
   // last.
   void mnuRotor_Click();
+  void mnuKarte_Click();
+  // A place chosen on the map becomes the remote station, computed as if typed.
+  void takeRemote(const GeoPoint& place);
   void mnuGrundeinstellungen_Click();
   void mnuProtokoll_Click();
   void mnuBeenden_Click();
