@@ -67,8 +67,15 @@ void addArea(QPainterPath& path, const AzimuthalProjection& projection, const Ge
   if (r.anticlockwise == rightSide) addRim(path, projection.antipodeKm(), rightSide);
 }
 
+// Numbers in the machine's decimal sign, without thousands separators (as the main window).
+QString number(double value, int decimals) {
+  QLocale locale;
+  locale.setNumberOptions(QLocale::OmitGroupSeparator);
+  return locale.toString(value, 'f', decimals);
+}
+
 QString km(double value) {
-  return QLocale().toString(value, 'f', value < 10 ? 2 : value < 100 ? 1 : 0);
+  return number(value, value < 10 ? 2 : value < 100 ? 1 : 0);
 }
 
 }  // namespace
@@ -225,9 +232,8 @@ QPointF MapView::pixelOf(GeoPoint place) const {
 QString MapView::readout(GeoPoint place) const {
   double d = 0, bearing = 0;
   m_projection.Inverse(place.lat, place.lon, d, bearing);
-  QString text =
-      QStringLiteral("%1   %2 km   %3 °")
-          .arg(CoordsToLocator6(place.lon, place.lat), km(d), QLocale().toString(bearing, 'f', 1));
+  QString text = QStringLiteral("%1   %2 km   %3 °")
+                     .arg(CoordsToLocator6(place.lon, place.lat), km(d), number(bearing, 1));
   if (m_projection.centreAtPole()) text += QStringLiteral("   (Pol: 0°-Meridian oben)");
   return text;
 }
@@ -244,8 +250,8 @@ QString MapView::pathInfo() const {
     m_projection.Inverse(m_remote->lat, m_remote->lon, d, bearing);
     const double longKm = 2 * m_projection.antipodeKm() - d;
     text = QStringLiteral("Kurzer Weg %1 km, %2 °   Langer Weg %3 km, %4 °")
-               .arg(km(d), QLocale().toString(bearing, 'f', 1), km(longKm),
-                    QLocale().toString(std::fmod(bearing + 180.0, 360.0), 'f', 1));
+               .arg(km(d), number(bearing, 1), km(longKm),
+                    number(std::fmod(bearing + 180.0, 360.0), 1));
   } else {
     text = QStringLiteral("Mitte %1").arg(centreName());
   }
