@@ -17,6 +17,9 @@ class AzimuthalProjection {
   GeoPoint centre() const { return m_centre; }
   double radiusKm() const { return m_radiusKm; }
   bool centreAtPole() const { return m_atPole; }
+  // The longitude that turns the view: the centre's, or at a pole the one that puts the 0°
+  // meridian up.
+  double orientingLon() const { return m_lon0; }
   // The distance of the antipode from the centre, kilometres: the outer circle.
   double antipodeKm() const;
 

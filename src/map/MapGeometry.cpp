@@ -19,36 +19,58 @@ Vec toVec(GeoPoint p) {
   return {std::cos(phi) * std::cos(lam), std::cos(phi) * std::sin(lam), std::sin(phi)};
 }
 
-GeoPoint toGeo(Vec v) {
-  return {std::atan2(v.z, std::hypot(v.x, v.y)) / kDeg, std::atan2(v.y, v.x) / kDeg};
-}
-
 double angleBetween(Vec a, Vec b) {
   const Vec c{a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
   return std::atan2(std::sqrt(c.x * c.x + c.y * c.y + c.z * c.z),
                     a.x * b.x + a.y * b.y + a.z * b.z);
 }
 
-// Points from a towards b along the great circle, b included, a not.
+double dot(Vec a, Vec b) {
+  return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+// The projection from unit vectors: the centre's up, east and north directions, so that a
+// point costs three dot products, a square root and an arc tangent.
+struct Frame {
+  Vec up, east, north;
+  double radiusKm;
+  explicit Frame(const AzimuthalProjection& projection) : radiusKm(projection.radiusKm()) {
+    const double phi = projection.centre().lat * kDeg, lam = projection.orientingLon() * kDeg;
+    const double cosPhi = projection.centreAtPole() ? 0.0 : std::cos(phi);
+    const double sinPhi = std::sin(phi);
+    up = {cosPhi * std::cos(lam), cosPhi * std::sin(lam), sinPhi};
+    east = {-std::sin(lam), std::cos(lam), 0};
+    north = {-sinPhi * std::cos(lam), -sinPhi * std::sin(lam), cosPhi};
+  }
+  QPointF project(Vec v) const {
+    const double e = dot(v, east), n = dot(v, north);
+    const double h = std::sqrt(e * e + n * n);
+    const double c = std::atan2(h, dot(v, up));
+    // At the centre and the antipode the direction is taken as up.
+    if (h < 1e-15) return {0.0, c * radiusKm};
+    const double k = c * radiusKm / h;
+    return {e * k, n * k};
+  }
+};
+
+// Points from a towards b along the great circle, b included, a not; a segment shorter than
+// the step gives b alone, without further arithmetic.
 template <typename Emit>
-void divide(GeoPoint a, GeoPoint b, double stepDeg, Emit out) {
-  const Vec va = toVec(a), vb = toVec(b);
+void divide(Vec va, Vec vb, double cosStep, double stepDeg, Emit out) {
+  const double d = dot(va, vb);
+  if (d >= cosStep) {
+    out(vb);
+    return;
+  }
   const double omega = angleBetween(va, vb);
   const int n = std::max(1, static_cast<int>(std::ceil(omega / (stepDeg * kDeg))));
   const double s = std::sin(omega);
-  for (int i = 1; i < n; ++i) {
+  for (int i = 1; i < n && s > 1e-12; ++i) {
     const double t = double(i) / n;
-    if (s < 1e-12) break;
     const double wa = std::sin((1 - t) * omega) / s, wb = std::sin(t * omega) / s;
-    out(toGeo({wa * va.x + wb * vb.x, wa * va.y + wb * vb.y, wa * va.z + wb * vb.z}));
+    out(Vec{wa * va.x + wb * vb.x, wa * va.y + wb * vb.y, wa * va.z + wb * vb.z});
   }
-  out(b);
-}
-
-QPointF project(const AzimuthalProjection& projection, GeoPoint p) {
-  double x = 0, y = 0;
-  projection.Forward(p.lat, p.lon, x, y);
-  return {x, y};
+  out(vb);
 }
 
 double polar(QPointF p) {
@@ -154,16 +176,21 @@ std::vector<KmLine> ProjectLine(const AzimuthalProjection& projection, const Geo
                                 double stepDeg) {
   std::vector<KmLine> pieces;
   if (line.empty()) return pieces;
-  KmLine current{project(projection, line.front())};
+  const Frame frame(projection);
+  const double cosStep = std::cos(stepDeg * kDeg);
+  Vec prev = toVec(line.front());
+  KmLine current{frame.project(prev)};
   for (std::size_t i = 1; i < line.size(); ++i) {
-    divide(line[i - 1], line[i], stepDeg, [&](GeoPoint p) {
-      const QPointF q = project(projection, p);
+    const Vec next = toVec(line[i]);
+    divide(prev, next, cosStep, stepDeg, [&](Vec v) {
+      const QPointF q = frame.project(v);
       if (jumps(projection, current.back(), q)) {
         if (current.size() > 1) pieces.push_back(std::move(current));
         current.clear();
       }
       current.push_back(q);
     });
+    prev = next;
   }
   if (current.size() > 1) pieces.push_back(std::move(current));
   return pieces;
@@ -172,11 +199,15 @@ std::vector<KmLine> ProjectLine(const AzimuthalProjection& projection, const Geo
 KmRing ProjectRing(const AzimuthalProjection& projection, const GeoLine& ring, double stepDeg) {
   KmRing out;
   if (ring.size() < 3) return out;
+  const Frame frame(projection);
+  const double cosStep = std::cos(stepDeg * kDeg);
   const double rim = projection.antipodeKm();
   KmLine& pts = out.points;
-  pts.push_back(project(projection, ring.front()));
-  const auto add = [&](GeoPoint p) {
-    const QPointF q = project(projection, p);
+  pts.reserve(ring.size() + 1);
+  const Vec first = toVec(ring.front());
+  pts.push_back(frame.project(first));
+  const auto add = [&](Vec v) {
+    const QPointF q = frame.project(v);
     if (jumps(projection, pts.back(), q)) {
       // Round the antipode along the outer circle, the shorter way.
       const double a0 = polar(pts.back());
@@ -191,8 +222,13 @@ KmRing ProjectRing(const AzimuthalProjection& projection, const GeoLine& ring, d
     }
     pts.push_back(q);
   };
-  for (std::size_t i = 1; i < ring.size(); ++i) divide(ring[i - 1], ring[i], stepDeg, add);
-  if (ring.front() != ring.back()) divide(ring.back(), ring.front(), stepDeg, add);
+  Vec prev = first;
+  for (std::size_t i = 1; i < ring.size(); ++i) {
+    const Vec next = toVec(ring[i]);
+    divide(prev, next, cosStep, stepDeg, add);
+    prev = next;
+  }
+  if (ring.front() != ring.back()) divide(prev, first, cosStep, stepDeg, add);
   // Signed area with y north: positive for an anticlockwise ring.
   double area = 0;
   for (std::size_t i = 0; i < pts.size(); ++i) {

@@ -56,8 +56,8 @@ void addLine(QPainterPath& path, const KmLine& line) {
   for (std::size_t i = 1; i < line.size(); ++i) path.lineTo(line[i]);
 }
 
-// Fills the area on the right of each ring: where the antipode is in that area, the rest of
-// the disc outside the ring.
+// The area on the right of a ring; where the antipode is in that area (rightSide) or on the
+// left (a hole), the rest of the disc outside the ring.
 void addArea(QPainterPath& path, const AzimuthalProjection& projection, const GeoLine& ring,
              double stepDeg, bool rightSide) {
   const KmRing r = ProjectRing(projection, ring, stepDeg);
@@ -65,6 +65,42 @@ void addArea(QPainterPath& path, const AzimuthalProjection& projection, const Ge
   addLine(path, r.points);
   path.closeSubpath();
   if (r.anticlockwise == rightSide) addRim(path, projection.antipodeKm(), rightSide);
+}
+
+QPolygonF polygon(const KmLine& line) {
+  return QPolygonF(QList<QPointF>(line.begin(), line.end()));
+}
+
+// A closed polygon cut to a rectangle (Sutherland and Hodgman): the area inside the rectangle
+// stays the same, so filling the result fills what the view shows of the whole.
+QPolygonF clipped(const QPolygonF& polygon, const QRectF& rect) {
+  QPolygonF current = polygon;
+  for (int edge = 0; edge < 4 && !current.isEmpty(); ++edge) {
+    const auto inside = [&](QPointF p) {
+      switch (edge) {
+        case 0: return p.x() >= rect.left();
+        case 1: return p.x() <= rect.right();
+        case 2: return p.y() >= rect.top();
+        default: return p.y() <= rect.bottom();
+      }
+    };
+    const auto cross = [&](QPointF a, QPointF b) {
+      const double t = edge < 2
+                           ? ((edge == 0 ? rect.left() : rect.right()) - a.x()) / (b.x() - a.x())
+                           : ((edge == 2 ? rect.top() : rect.bottom()) - a.y()) / (b.y() - a.y());
+      return a + (b - a) * t;
+    };
+    QPolygonF next;
+    next.reserve(current.size());
+    for (qsizetype i = 0; i < current.size(); ++i) {
+      const QPointF a = current[i], b = current[(i + 1) % current.size()];
+      const bool ina = inside(a), inb = inside(b);
+      if (ina) next << a;
+      if (ina != inb) next << cross(a, b);
+    }
+    current = std::move(next);
+  }
+  return current;
 }
 
 // Numbers in the machine's decimal sign, without thousands separators (as the main window).
@@ -107,19 +143,35 @@ const MapView::Geometry& MapView::geometry(bool fine) {
   if (slot) return *slot;
   const MapData* d = data(fine);
   const double step = 1.0;
+  const double rim = m_projection.antipodeKm();
+  const QRectF disc(-rim, -rim, 2 * rim, 2 * rim);
   Geometry g;
-  g.land.setFillRule(Qt::WindingFill);
-  g.holes.setFillRule(Qt::WindingFill);
-  for (const GeoLine& ring : d->outer) addArea(g.land, m_projection, ring, step, true);
-  for (const GeoLine& ring : d->holes) addArea(g.holes, m_projection, ring, step, false);
-  for (const auto* rings : {&d->outer, &d->holes}) {
-    for (const GeoLine& ring : *rings) {
-      for (const KmLine& piece : ProjectLine(m_projection, ring, step)) addLine(g.coast, piece);
+  const auto area = [&](std::vector<Shape>& out, const GeoLine& ring, bool rightSide) {
+    const KmRing r = ProjectRing(m_projection, ring, step);
+    if (r.points.size() < 3) return;
+    Shape shape{polygon(r.points), {}, r.anticlockwise == rightSide};
+    shape.box = shape.rim ? disc : shape.km.boundingRect();
+    out.push_back(std::move(shape));
+  };
+  // Lines go in short runs, so that a zoomed view strokes only the runs it shows.
+  const auto lines = [&](std::vector<Shape>& out, const GeoLine& line) {
+    constexpr std::size_t kRun = 96;
+    for (const KmLine& piece : ProjectLine(m_projection, line, step)) {
+      for (std::size_t from = 0; from + 1 < piece.size(); from += kRun) {
+        const std::size_t to = std::min(piece.size(), from + kRun + 1);
+        Shape shape{
+            polygon(KmLine(piece.begin() + long(from), piece.begin() + long(to))), {}, false};
+        shape.box = shape.km.boundingRect();
+        out.push_back(std::move(shape));
+      }
     }
+  };
+  for (const GeoLine& ring : d->outer) area(g.land, ring, true);
+  for (const GeoLine& ring : d->holes) area(g.holes, ring, false);
+  for (const auto* rings : {&d->outer, &d->holes}) {
+    for (const GeoLine& ring : *rings) lines(g.coast, ring);
   }
-  for (const GeoLine& line : d->borders) {
-    for (const KmLine& piece : ProjectLine(m_projection, line, step)) addLine(g.borders, piece);
-  }
+  for (const GeoLine& line : d->borders) lines(g.borders, line);
   slot = std::move(g);
   return *slot;
 }
@@ -270,22 +322,54 @@ void MapView::drawLine(QPainter& painter, const GeoLine& line, const QTransform&
 }
 
 void MapView::drawGrid(QPainter& painter, const QTransform& t, QSizeF size) {
-  const double spanKm = std::min(size.width(), size.height()) / (t.m11());
-  const int level = spanKm > 4000 ? 0 : spanKm > 250 ? 1 : 2;
+  const double s = t.m11();
+  // The finest level whose cells are at least 10 pixels high: fields (10°), squares (1°),
+  // subsquares (2.5').
+  const double kmPerDeg = m_projection.radiusKm() * kDeg;
+  const int level = s * kmPerDeg / 24.0 >= 10 ? 2 : s * kmPerDeg >= 10 ? 1 : 0;
   double south = -90, north = 90, west = -180, east = 180;
-  GeoPoint mid;
-  m_projection.Reverse(m_panKm.x(), m_panKm.y(), mid.lat, mid.lon);
   if (level > 0) {
-    const double half = spanKm / (m_projection.radiusKm() * kDeg);
-    south = mid.lat - half;
-    north = mid.lat + half;
-    const double c = std::cos(std::min(89.0, std::max(std::fabs(south), std::fabs(north))) * kDeg);
-    if (north < 89 && south > -89 && half / c < 170) {
-      west = NormalisedLongitude(mid.lon - half / c);
-      east = NormalisedLongitude(mid.lon + half / c);
+    // The view's bounds in degrees, from points round its edge.
+    const QTransform back = t.inverted();
+    GeoPoint mid;
+    const QPointF midKm = back.map(QPointF(size.width() / 2, size.height() / 2));
+    m_projection.Reverse(midKm.x(), midKm.y(), mid.lat, mid.lon);
+    double lo = 0, hi = 0;
+    south = north = mid.lat;
+    bool rimInView = false;
+    for (int i = 0; i <= 64; ++i) {
+      const double f = (i % 16) / 16.0;
+      const int side = i / 16;
+      const QPointF px = side == 0   ? QPointF(f * size.width(), 0)
+                         : side == 1 ? QPointF(size.width(), f * size.height())
+                         : side == 2 ? QPointF((1 - f) * size.width(), size.height())
+                                     : QPointF(0, (1 - f) * size.height());
+      const QPointF k = back.map(px);
+      rimInView = rimInView || std::hypot(k.x(), k.y()) >= m_projection.antipodeKm();
+      GeoPoint p;
+      m_projection.Reverse(k.x(), k.y(), p.lat, p.lon);
+      south = std::min(south, p.lat);
+      north = std::max(north, p.lat);
+      const double d = std::remainder(p.lon - mid.lon, 360.0);
+      lo = std::min(lo, d);
+      hi = std::max(hi, d);
     }
+    const QRectF view(QPointF(0, 0), size);
+    double px = 0, py = 0;
+    m_projection.Forward(90, 0, px, py);
+    const bool northPole = view.contains(t.map(QPointF(px, py)));
+    m_projection.Forward(-90, 0, px, py);
+    const bool southPole = view.contains(t.map(QPointF(px, py)));
+    if (northPole) north = 90;
+    if (southPole) south = -90;
+    if (!rimInView && !northPole && !southPole && hi - lo < 300) {
+      west = NormalisedLongitude(mid.lon + lo);
+      east = NormalisedLongitude(mid.lon + hi);
+    }
+    if (rimInView) south = -90, north = 90;
   }
-  const double step = level == 0 ? 2.0 : level == 1 ? 0.25 : 0.01;
+  // Grid lines bend gently: a point every dozen pixels or so is smooth enough.
+  const double step = std::clamp(12.0 / (s * kmPerDeg), 0.002, 2.0);
   painter.setPen(QPen(kGrid, 0));
   for (const GeoLine& line : GridLines(level, south, north, west, east, step)) {
     drawLine(painter, line, t, step);
@@ -388,14 +472,37 @@ void MapView::paintStatic(QPainter& painter, QSizeF size) {
   painter.fillPath(discPx, (m_layers & LayerLand) ? kSea : Qt::white);
   const bool fine = std::min(size.width(), size.height()) / s < kFineSpanKm;
   const Geometry& g = geometry(fine);
+  // Only the shapes that reach into the view, gathered into one path per layer.
+  const QRectF viewKm = t.inverted().mapRect(QRectF(QPointF(0, 0), size));
+  const QRectF margin = viewKm.adjusted(-viewKm.width() * 0.05, -viewKm.height() * 0.05,
+                                        viewKm.width() * 0.05, viewKm.height() * 0.05);
+  const auto gather = [&](const std::vector<Shape>& shapes, bool area, bool clockwiseRim) {
+    QPainterPath path;
+    path.setFillRule(Qt::WindingFill);
+    for (const Shape& shape : shapes) {
+      if (!shape.box.intersects(viewKm)) continue;
+      if (!area) {
+        path.addPolygon(shape.km);
+        continue;
+      }
+      // A large area mostly outside the view is cut to it first.
+      const bool cut = !viewKm.contains(shape.box) && shape.km.size() > 64;
+      path.addPolygon(cut ? clipped(shape.km, margin) : shape.km);
+      path.closeSubpath();
+      if (shape.rim) addRim(path, rim, clockwiseRim);
+    }
+    return path;
+  };
   painter.save();
   painter.setTransform(t, true);
   if (m_layers & LayerLand) {
-    painter.fillPath(g.land, kLand);
-    painter.fillPath(g.holes, kSea);
+    painter.fillPath(gather(g.land, true, true), kLand);
+    painter.fillPath(gather(g.holes, true, false), kSea);
   }
-  if (m_layers & LayerCoast) painter.strokePath(g.coast, QPen(kCoast, 0));
-  if (m_layers & LayerBorders) painter.strokePath(g.borders, QPen(kBorder, 0, Qt::DashLine));
+  if (m_layers & LayerCoast) painter.strokePath(gather(g.coast, false, true), QPen(kCoast, 0));
+  if (m_layers & LayerBorders) {
+    painter.strokePath(gather(g.borders, false, true), QPen(kBorder, 0, Qt::DashLine));
+  }
   painter.restore();
   if (m_layers & LayerNight) {
     QPainterPath night;
@@ -409,7 +516,7 @@ void MapView::paintStatic(QPainter& painter, QSizeF size) {
 
   if (m_layers & LayerStations) {
     if (m_remote && m_own) {
-      const double stepKm = std::max(1e-3, 2.0 / s);
+      const double stepKm = std::max(1e-3, 4.0 / s);
       const PathLines paths = GreatCirclePaths(m_projection, *m_remote, stepKm);
       painter.setPen(QPen(kPath, 2));
       drawLine(painter, paths.shortPath, t, 0.5);

@@ -83,8 +83,15 @@ class MapView : public QWidget {
   void leaveEvent(QEvent* event) override;
 
  private:
+  // A projected ring or line with its bounds, so that a zoomed view paints only what it
+  // shows. rim: the area reaches round the antipode to the outer circle.
+  struct Shape {
+    QPolygonF km;
+    QRectF box;
+    bool rim = false;
+  };
   struct Geometry {
-    QPainterPath land, holes, coast, borders;
+    std::vector<Shape> land, holes, coast, borders;
   };
   const MapData* data(bool fine);
   const Geometry& geometry(bool fine);
