@@ -12,6 +12,7 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QTextDocument>
+#include <QUrl>
 #include <QTextStream>
 
 #include <cstdio>
@@ -56,6 +57,8 @@ int main(int argc, char* argv[]) {
     doc.documentLayout()->setPaintDevice(&writer);
     doc.setDefaultFont(QFont(QStringLiteral("DejaVu Sans"), 10));
     doc.setDocumentMargin(0);
+    // Pictures in the manual sit beside its source.
+    doc.setBaseUrl(QUrl::fromLocalFile(QFileInfo(args.at(1)).absolutePath() + QStringLiteral("/")));
     doc.setHtml(html);
     writer.setTitle(doc.metaInformation(QTextDocument::DocumentTitle));
 
