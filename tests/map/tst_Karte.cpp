@@ -205,6 +205,23 @@ class tst_Karte : public QObject {
     }
   }
 
+  // Without a mouse: Shift+arrows move a cross, Enter takes its place.
+  void keyboardCrossChoosesTheRemote() {
+    frmKarte* map = open();
+    QVERIFY(map);
+    MapView* view = map->picKarte;
+    frmMain* w = m_program->window();
+    view->setFocus();
+    for (int i = 0; i < 12; ++i) QTest::keyClick(view, Qt::Key_Right, Qt::ShiftModifier);
+    for (int i = 0; i < 5; ++i) QTest::keyClick(view, Qt::Key_Down, Qt::ShiftModifier);
+    const Readout readout = parseReadout(map->lbKarteInfo->text());
+    QVERIFY2(!readout.locator.isEmpty(), qPrintable(map->lbKarteInfo->text()));
+    QTest::keyClick(view, Qt::Key_Return);
+    QCOMPARE(w->tbFremdLoc->text().left(6), readout.locator);
+    QVERIFY2(std::fabs(captionNumber(w->lblRichtung->text()) - readout.bearing) <= 0.06,
+             qPrintable(w->lblRichtung->text() + " / " + map->lbKarteInfo->text()));
+  }
+
   void zoomKeepsThePlaceUnderTheCursor() {
     frmKarte* map = open();
     QVERIFY(map);
