@@ -29,7 +29,9 @@ foreach(size 16 22 24 32 48 64 128 256)
 endforeach()
 add_custom_target(marvento-icons ALL DEPENDS ${MARVENTO_ICON_PNGS})
 
+# The map data's notice (Natural Earth, public domain, by way of world-atlas, ISC) goes with them.
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/LICENSE
+              ${PROJECT_SOURCE_DIR}/data/map/LICENSE.world-atlas
         DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/marvento)
 
 # The Debian package.
