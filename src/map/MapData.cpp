@@ -44,6 +44,9 @@ std::optional<MapData> ParseMapData(const QByteArray& bytes) {
     }
   }
   if (at != size) return std::nullopt;
+  for (const GeoLine& line : data.outer) data.outerUnit.push_back(ToUnitLine(line));
+  for (const GeoLine& line : data.holes) data.holesUnit.push_back(ToUnitLine(line));
+  for (const GeoLine& line : data.borders) data.bordersUnit.push_back(ToUnitLine(line));
   return data;
 }
 

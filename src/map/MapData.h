@@ -15,6 +15,8 @@ struct MapData {
   std::vector<GeoLine> outer;
   std::vector<GeoLine> holes;
   std::vector<GeoLine> borders;
+  // The same lines as unit vectors, for projecting.
+  std::vector<UnitLine> outerUnit, holesUnit, bordersUnit;
   std::size_t pointCount() const;
 };
 

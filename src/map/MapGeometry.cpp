@@ -10,9 +10,7 @@ namespace {
 
 constexpr double kDeg = std::numbers::pi / 180.0;
 
-struct Vec {
-  double x, y, z;
-};
+using Vec = UnitVector;
 
 Vec toVec(GeoPoint p) {
   const double phi = p.lat * kDeg, lam = p.lon * kDeg;
@@ -172,16 +170,32 @@ double RingSpacingKm(double spanKm) {
   return 10 * power;
 }
 
+UnitLine ToUnitLine(const GeoLine& line) {
+  UnitLine out;
+  out.reserve(line.size());
+  for (const GeoPoint& p : line) out.push_back(toVec(p));
+  return out;
+}
+
 std::vector<KmLine> ProjectLine(const AzimuthalProjection& projection, const GeoLine& line,
+                                double stepDeg) {
+  return ProjectLine(projection, ToUnitLine(line), stepDeg);
+}
+
+KmRing ProjectRing(const AzimuthalProjection& projection, const GeoLine& ring, double stepDeg) {
+  return ProjectRing(projection, ToUnitLine(ring), stepDeg);
+}
+
+std::vector<KmLine> ProjectLine(const AzimuthalProjection& projection, const UnitLine& line,
                                 double stepDeg) {
   std::vector<KmLine> pieces;
   if (line.empty()) return pieces;
   const Frame frame(projection);
   const double cosStep = std::cos(stepDeg * kDeg);
-  Vec prev = toVec(line.front());
+  Vec prev = line.front();
   KmLine current{frame.project(prev)};
   for (std::size_t i = 1; i < line.size(); ++i) {
-    const Vec next = toVec(line[i]);
+    const Vec next = line[i];
     divide(prev, next, cosStep, stepDeg, [&](Vec v) {
       const QPointF q = frame.project(v);
       if (jumps(projection, current.back(), q)) {
@@ -196,7 +210,7 @@ std::vector<KmLine> ProjectLine(const AzimuthalProjection& projection, const Geo
   return pieces;
 }
 
-KmRing ProjectRing(const AzimuthalProjection& projection, const GeoLine& ring, double stepDeg) {
+KmRing ProjectRing(const AzimuthalProjection& projection, const UnitLine& ring, double stepDeg) {
   KmRing out;
   if (ring.size() < 3) return out;
   const Frame frame(projection);
@@ -204,7 +218,7 @@ KmRing ProjectRing(const AzimuthalProjection& projection, const GeoLine& ring, d
   const double rim = projection.antipodeKm();
   KmLine& pts = out.points;
   pts.reserve(ring.size() + 1);
-  const Vec first = toVec(ring.front());
+  const Vec first = ring.front();
   pts.push_back(frame.project(first));
   const auto add = [&](Vec v) {
     const QPointF q = frame.project(v);
@@ -224,11 +238,14 @@ KmRing ProjectRing(const AzimuthalProjection& projection, const GeoLine& ring, d
   };
   Vec prev = first;
   for (std::size_t i = 1; i < ring.size(); ++i) {
-    const Vec next = toVec(ring[i]);
+    const Vec next = ring[i];
     divide(prev, next, cosStep, stepDeg, add);
     prev = next;
   }
-  if (ring.front() != ring.back()) divide(prev, first, cosStep, stepDeg, add);
+  const Vec last = ring.back();
+  if (last.x != first.x || last.y != first.y || last.z != first.z) {
+    divide(prev, first, cosStep, stepDeg, add);
+  }
   // Signed area with y north: positive for an anticlockwise ring.
   double area = 0;
   for (std::size_t i = 0; i < pts.size(); ++i) {

@@ -11,6 +11,13 @@
 namespace marvento {
 
 using GeoLine = std::vector<GeoPoint>;
+// A place as a unit vector from the earth's centre (x towards 0° 0°, z towards the north
+// pole): map data kept in this form is projected without trigonometry per point.
+struct UnitVector {
+  double x = 0, y = 0, z = 0;
+};
+using UnitLine = std::vector<UnitVector>;
+UnitLine ToUnitLine(const GeoLine& line);
 // A projected line in kilometres, x east and y north of the centre.
 using KmLine = std::vector<QPointF>;
 
@@ -43,6 +50,8 @@ double RingSpacingKm(double spanKm);
 // map.
 std::vector<KmLine> ProjectLine(const AzimuthalProjection& projection, const GeoLine& line,
                                 double stepDeg);
+std::vector<KmLine> ProjectLine(const AzimuthalProjection& projection, const UnitLine& line,
+                                double stepDeg);
 
 // A closed ring projected for filling: divided like ProjectLine; where it passes the
 // antipode it follows the outer circle instead of cutting across. The projection keeps the
@@ -53,5 +62,6 @@ struct KmRing {
   bool anticlockwise = false;
 };
 KmRing ProjectRing(const AzimuthalProjection& projection, const GeoLine& ring, double stepDeg);
+KmRing ProjectRing(const AzimuthalProjection& projection, const UnitLine& ring, double stepDeg);
 
 }  // namespace marvento

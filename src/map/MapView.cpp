@@ -146,7 +146,7 @@ const MapView::Geometry& MapView::geometry(bool fine) {
   const double rim = m_projection.antipodeKm();
   const QRectF disc(-rim, -rim, 2 * rim, 2 * rim);
   Geometry g;
-  const auto area = [&](std::vector<Shape>& out, const GeoLine& ring, bool rightSide) {
+  const auto area = [&](std::vector<Shape>& out, const UnitLine& ring, bool rightSide) {
     const KmRing r = ProjectRing(m_projection, ring, step);
     if (r.points.size() < 3) return;
     Shape shape{polygon(r.points), {}, r.anticlockwise == rightSide};
@@ -154,7 +154,7 @@ const MapView::Geometry& MapView::geometry(bool fine) {
     out.push_back(std::move(shape));
   };
   // Lines go in short runs, so that a zoomed view strokes only the runs it shows.
-  const auto lines = [&](std::vector<Shape>& out, const GeoLine& line) {
+  const auto lines = [&](std::vector<Shape>& out, const UnitLine& line) {
     constexpr std::size_t kRun = 96;
     for (const KmLine& piece : ProjectLine(m_projection, line, step)) {
       for (std::size_t from = 0; from + 1 < piece.size(); from += kRun) {
@@ -166,12 +166,12 @@ const MapView::Geometry& MapView::geometry(bool fine) {
       }
     }
   };
-  for (const GeoLine& ring : d->outer) area(g.land, ring, true);
-  for (const GeoLine& ring : d->holes) area(g.holes, ring, false);
-  for (const auto* rings : {&d->outer, &d->holes}) {
-    for (const GeoLine& ring : *rings) lines(g.coast, ring);
+  for (const UnitLine& ring : d->outerUnit) area(g.land, ring, true);
+  for (const UnitLine& ring : d->holesUnit) area(g.holes, ring, false);
+  for (const auto* rings : {&d->outerUnit, &d->holesUnit}) {
+    for (const UnitLine& ring : *rings) lines(g.coast, ring);
   }
-  for (const GeoLine& line : d->borders) lines(g.borders, line);
+  for (const UnitLine& line : d->bordersUnit) lines(g.borders, line);
   slot = std::move(g);
   return *slot;
 }
