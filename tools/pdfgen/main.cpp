@@ -12,8 +12,8 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QTextDocument>
-#include <QUrl>
 #include <QTextStream>
+#include <QUrl>
 
 #include <cstdio>
 
