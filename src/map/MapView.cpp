@@ -297,9 +297,11 @@ QString MapView::centreName() const {
 
 QString MapView::pathInfo() const {
   QString text;
-  if (m_remote) {
-    double d = 0, bearing = 0;
-    m_projection.Inverse(m_remote->lat, m_remote->lon, d, bearing);
+  double d = 0, bearing = 0;
+  if (m_remote) m_projection.Inverse(m_remote->lat, m_remote->lon, d, bearing);
+  if (m_remote && d <= 1e-6) {
+    text = QStringLiteral("Gegenstation = eigene Station");
+  } else if (m_remote) {
     const double longKm = 2 * m_projection.antipodeKm() - d;
     text = QStringLiteral("Kurzer Weg %1 km, %2 °   Langer Weg %3 km, %4 °")
                .arg(km(d), number(bearing, 1), km(longKm),
@@ -515,7 +517,10 @@ void MapView::paintStatic(QPainter& painter, QSizeF size) {
   if (m_layers & LayerRings) drawRingsAndScale(painter, t, size);
 
   if (m_layers & LayerStations) {
-    if (m_remote && m_own) {
+    double apartKm = 0, apartBearing = 0;
+    if (m_remote) m_projection.Inverse(m_remote->lat, m_remote->lon, apartKm, apartBearing);
+    // The same place twice has no path and no direction.
+    if (m_remote && m_own && apartKm > 1e-6) {
       const double stepKm = std::max(1e-3, 4.0 / s);
       const PathLines paths = GreatCirclePaths(m_projection, *m_remote, stepKm);
       painter.setPen(QPen(kPath, 2));

@@ -222,6 +222,23 @@ class tst_Karte : public QObject {
              qPrintable(w->lblRichtung->text() + " / " + map->lbKarteInfo->text()));
   }
 
+  // The info line away from the map: both paths, or a word where there is no path. (The
+  // same place twice is handed to the map directly: the main window stops on a box there.)
+  void infoLineNamesThePaths() {
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    frmKarte* map = open();
+    QVERIFY(map);
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(map->picKarte, &leave);
+    QCOMPARE(map->lbKarteInfo->text(),
+             QStringLiteral("Kurzer Weg 6080 km, 295,7 °   Langer Weg 33929 km, 115,7 °"));
+    const GeoPoint own = map->picKarte->projection().centre();
+    map->picKarte->setStations(own, own, QStringLiteral("JO62QM"), QStringLiteral("JO62QM"),
+                               6371.0);
+    QCOMPARE(map->lbKarteInfo->text(), QStringLiteral("Gegenstation = eigene Station"));
+    QLocale::setDefault(QLocale::c());
+  }
+
   void zoomKeepsThePlaceUnderTheCursor() {
     frmKarte* map = open();
     QVERIFY(map);
