@@ -194,8 +194,7 @@ void BM_LatencyToTbMyLg(benchmark::State& state) {
     return settings;
   };
   hooks.Compute = [&] { shown = std::chrono::steady_clock::now(); };
-  GpsPoll poll(
-               {&lbInfo, &lbKurs, &tbMyLoc, &tbMyLg, &tbMyBr, &tbFremdLoc, &tbFremdLg, &tbFremdBr,
+  GpsPoll poll({&lbInfo, &lbKurs, &tbMyLoc, &tbMyLg, &tbMyBr, &tbFremdLoc, &tbFremdLg, &tbFremdBr,
                 &panel2, &timer, &comm},
                hooks, SystemClock());
   std::vector<double> samples;

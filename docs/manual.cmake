@@ -8,7 +8,7 @@ add_custom_command(
   COMMAND ${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen
           $<TARGET_FILE:pdfgen> ${MARVENTO_MANUAL_SOURCE} ${MARVENTO_MANUAL_PDF}
   COMMAND ${CMAKE_COMMAND} -E copy ${MARVENTO_MANUAL_PDF} $<TARGET_FILE_DIR:marvento>/Marvento.pdf
-  DEPENDS ${MARVENTO_MANUAL_SOURCE} pdfgen
+  DEPENDS ${MARVENTO_MANUAL_SOURCE} ${CMAKE_CURRENT_SOURCE_DIR}/karte.png pdfgen
   COMMENT "Rendering the manual Marvento.pdf"
   VERBATIM)
 add_custom_target(marvento_manual ALL DEPENDS ${MARVENTO_MANUAL_PDF})

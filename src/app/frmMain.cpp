@@ -7,6 +7,7 @@
 #include "app/MainAccess.h"
 #include "app/SettingsStore.h"
 #include "distance/ComputeCommand.h"
+#include "distance/Coordinates.h"
 #include "distance/GreatCircle.h"
 #include "distance/ReverseBearing.h"
 #include "gps/EntryLock.h"
@@ -18,6 +19,7 @@
 #include "height/HeightTable.h"
 #include "help/ShowHelp.h"
 #include "help/frmAbout.h"
+#include "map/MapLink.h"
 #include "options/Preferences.h"
 #include "options/frmOptions.h"
 #include "platform/Clock.h"
@@ -92,6 +94,7 @@ struct frmMain::Subsystems {
   EntryControls entry;
   std::unique_ptr<StationLinks> links;
   RoverLink* rover = nullptr;
+  MapLink* map = nullptr;
 };
 
 std::function<void()>& frmMain::exitProcess() {
@@ -176,6 +179,13 @@ frmMain::frmMain(Module1& state, QWidget* parent)
       std::move(roverHooks), this);
   connect(this, &frmMain::fixTaken, m_sub->rover, &RoverLink::takeFix);
   connect(this, &frmMain::receptionOff, m_sub->rover, &RoverLink::receptionOff);
+  m_sub->map = new MapLink(this);
+  connect(this, &frmMain::computed, m_sub->map, &MapLink::computed);
+  connect(this, &frmMain::fixTaken, m_sub->map, &MapLink::fixTaken);
+  connect(m_sub->links.get(), &StationLinks::rotorAzimuth, m_sub->map, &MapLink::rotorAzimuth);
+  connect(m_sub->links.get(), &StationLinks::rotorTurned, m_sub->map, &MapLink::rotorTurned);
+  connect(m_sub->map, &MapLink::remoteChosen, this, &frmMain::takeRemote);
+  connect(m_sub->rover, &RoverLink::boundaryAhead, m_sub->map, &MapLink::boundaryAhead);
 
   // A poll fences off everything but tbFremdLoc; the menu entries go with their menus so
   // that no shortcut starts a command inside a poll.
@@ -376,6 +386,8 @@ void frmMain::buildMenus() {
                        QKeySequence(Qt::CTRL | Qt::Key_H), &frmMain::mnuGPS_Höhe_Click);
   mnuRotor = action(mnuAktion, "mnuRotor", QStringLiteral("Antenne &drehen"),
                     QKeySequence(Qt::CTRL | Qt::Key_D), &frmMain::mnuRotor_Click);
+  mnuKarte = action(mnuAktion, "mnuKarte", QStringLiteral("&Karte"),
+                    QKeySequence(Qt::CTRL | Qt::Key_K), &frmMain::mnuKarte_Click);
   separator(mnuAktion, "mnuSep3");
   mnuGrundeinstellungen =
       action(mnuAktion, "mnuGrundeinstellungen", QStringLiteral("&Grundeinstellungen"),
@@ -412,6 +424,7 @@ void frmMain::buildToolBar() {
   const QString keys[] = {QStringLiteral("Neu"),
                           QStringLiteral("Rechnen"),
                           QStringLiteral("Rotor"),
+                          QStringLiteral("Karte"),
                           QStringLiteral("Beenden"),
                           QString(),
                           QStringLiteral("Grundeinstellungen"),
@@ -647,6 +660,20 @@ void frmMain::mnuGegenRichtung_Click() {
   emit computed(stationPair());
 }
 
+void frmMain::mnuKarte_Click() {
+  m_sub->map->open();
+}
+
+void frmMain::takeRemote(const GeoPoint& place) {
+  if (!tbFremdLg->isEnabled()) return;
+  const auto lg = CoordinateText(place.lon, m_state.GradDezimal);
+  const auto br = CoordinateText(place.lat, m_state.GradDezimal);
+  if (!lg || !br) return;
+  tbFremdLg->setText(*lg);
+  tbFremdBr->setText(*br);
+  Compute();
+}
+
 void frmMain::mnuRotor_Click() {
   const QString title = QStringLiteral(" Antenne drehen");
   if (!m_sub->links->rotorOn()) {
@@ -878,6 +905,8 @@ void frmMain::tbToolBar_ButtonClick(const QString& key) {
     tbFremdLoc->setFocus();
   } else if (key == u"Rotor") {
     mnuRotor_Click();
+  } else if (key == u"Karte") {
+    mnuKarte_Click();
   } else if (key == u"Beenden") {
     mnuBeenden_Click();
   } else if (key == u"Grundeinstellungen") {

@@ -80,6 +80,7 @@ class frmMain : public QMainWindow {
   QAction* mnuGegenRichtung = nullptr;
   QAction* mnuGPS_Höhe = nullptr;
   QAction* mnuRotor = nullptr;
+  QAction* mnuKarte = nullptr;
   QAction* mnuGrundeinstellungen = nullptr;
   QAction* mnuProtokoll = nullptr;
   QAction* mnuStrecke = nullptr;
@@ -104,6 +105,9 @@ class frmMain : public QMainWindow {
   // Turns the antenna to the bearing last computed, or to its opposite when F3 showed that
   // last.
   void mnuRotor_Click();
+  void mnuKarte_Click();
+  // A place chosen on the map becomes the remote station, computed as if typed.
+  void takeRemote(const GeoPoint& place);
   void mnuGrundeinstellungen_Click();
   void mnuProtokoll_Click();
   void mnuStrecke_Click();

@@ -39,7 +39,8 @@ const char* const kFileDescription =
     "Locator-Programm zur Entfernungs- und Richtungsbestimmung mit oder ohne GPS";
 const char* const kLegalLine =
     "Copyright © 2026 Marvento-Entwickler. Lizenz: GNU GPL, Version 3 oder später. "
-    "Ohne jede Gewährleistung.";
+    "Ohne jede Gewährleistung. Kartendaten: Natural Earth (gemeinfrei), "
+    "aufbereitet von world-atlas (ISC-Lizenz).";
 
 QLabel* makeLabel(QWidget* parent, const char* name, const QString& text) {
   auto* label = new QLabel(text, parent);

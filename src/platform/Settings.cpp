@@ -46,6 +46,16 @@ void write(const QString& group, const QString& key, const QString& value) {
 
 const QString kSettingsGroup = QStringLiteral("Settings");
 const QString kPortsGroup = QStringLiteral("Ports");
+const QString kMapGroup = QStringLiteral("Karte");
+
+QString mapSettingName(MapSettingKey key) {
+  switch (key) {
+    case MapSettingKey::Geometry: return QStringLiteral("Geometrie");
+    case MapSettingKey::Zoom: return QStringLiteral("Zoom");
+    case MapSettingKey::Layers: return QStringLiteral("Ebenen");
+  }
+  return {};
+}
 
 QString reasonFor(int error) {
   switch (error) {
@@ -182,6 +192,14 @@ float GetTwipsSetting(SettingKey key) {
 
 QString GetPortDevice(int number) {
   return read(kPortsGroup, QStringLiteral("Com%1").arg(number), {}).trimmed();
+}
+
+QString GetMapSetting(MapSettingKey key, const QString& defaultValue) {
+  return read(kMapGroup, mapSettingName(key), defaultValue);
+}
+
+void SaveMapSetting(MapSettingKey key, const QString& value) {
+  write(kMapGroup, mapSettingName(key), value);
 }
 
 void SavePortDevice(int number, const QString& path) {

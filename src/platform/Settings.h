@@ -54,6 +54,15 @@ QString SettingsFilePath();
 // A window position in twips as stored under key; 1000 when missing or no number.
 float GetTwipsSetting(SettingKey key);
 
+// The map window's keys, in the group "Karte".
+enum class MapSettingKey {
+  Geometry,  // "Geometrie": x, y, width, height of the window, pixels
+  Zoom,      // "Zoom": 1 is the whole earth
+  Layers,    // "Ebenen": the layers shown, as a number of bits
+};
+QString GetMapSetting(MapSettingKey key, const QString& defaultValue);
+void SaveMapSetting(MapSettingKey key, const QString& value);
+
 // The device path stored for port number (key "ComN" in the group "Ports"), trimmed; empty
 // when none is stored.
 QString GetPortDevice(int number);

@@ -46,7 +46,7 @@ TEST(Icons, CompiledInImagesAreThePaintedOnes) {
   }
   cases.push_back({QStringLiteral("app"), AppIcon(), icongen::AppIconSizes(),
                    [](int size) { return icongen::PaintAppIcon(size); }});
-  ASSERT_EQ(cases.size(), 8u);
+  ASSERT_EQ(cases.size(), 9u);
 
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name.toStdString());

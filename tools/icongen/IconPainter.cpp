@@ -150,12 +150,28 @@ void globe(QPainter& p) {
   p.drawEllipse(QPointF(12.5, 5), 1.4, 1.4);
 }
 
+// The map: a flat disc with range rings, the own station in the middle and a path from it.
+void mapDisc(QPainter& p) {
+  p.setPen(QPen(QColor(20, 60, 120), 1.1));
+  p.setBrush(QColor(150, 200, 240));
+  p.drawEllipse(QPointF(8, 8), 6.8, 6.8);
+  p.setBrush(QColor(200, 190, 130));
+  p.setPen(Qt::NoPen);
+  p.drawEllipse(QPointF(5.5, 9.5), 3, 2.2);
+  p.setBrush(Qt::NoBrush);
+  p.setPen(QPen(QColor(20, 60, 120), 0.6));
+  p.drawEllipse(QPointF(8, 8), 3.6, 3.6);
+  p.setPen(QPen(QColor(210, 30, 30), 1.4, Qt::SolidLine, Qt::RoundCap));
+  p.drawLine(QPointF(8, 8), QPointF(12.8, 3.2));
+}
+
 Painter toolbarPainter(const QString& key) {
   if (key == u"Neu") return newPage;
   if (key == u"Rechnen") {
     return [](QPainter& p) { letter(p, QStringLiteral("R"), QColor(210, 0, 0)); };
   }
   if (key == u"Rotor") return rotor;
+  if (key == u"Karte") return mapDisc;
   if (key == u"Beenden") return exitWindow;
   if (key == u"Grundeinstellungen") {
     return [](QPainter& p) { letter(p, QStringLiteral("G"), QColor(0, 0, 210)); };
@@ -182,13 +198,9 @@ bool writePng(const QImage& image, const QString& path, QString* error) {
 }  // namespace
 
 QStringList ToolbarKeys() {
-  return {QStringLiteral("Neu"),
-          QStringLiteral("Rechnen"),
-          QStringLiteral("Rotor"),
-          QStringLiteral("Beenden"),
-          QStringLiteral("Grundeinstellungen"),
-          QStringLiteral("Info"),
-          QStringLiteral("Hilfe")};
+  return {QStringLiteral("Neu"),   QStringLiteral("Rechnen"), QStringLiteral("Rotor"),
+          QStringLiteral("Karte"), QStringLiteral("Beenden"), QStringLiteral("Grundeinstellungen"),
+          QStringLiteral("Info"),  QStringLiteral("Hilfe")};
 }
 
 std::span<const int> ToolbarSizes() {

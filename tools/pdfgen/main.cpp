@@ -13,6 +13,7 @@
 #include <QPdfWriter>
 #include <QTextDocument>
 #include <QTextStream>
+#include <QUrl>
 
 #include <cstdio>
 
@@ -56,6 +57,8 @@ int main(int argc, char* argv[]) {
     doc.documentLayout()->setPaintDevice(&writer);
     doc.setDefaultFont(QFont(QStringLiteral("DejaVu Sans"), 10));
     doc.setDocumentMargin(0);
+    // Pictures in the manual sit beside its source.
+    doc.setBaseUrl(QUrl::fromLocalFile(QFileInfo(args.at(1)).absolutePath() + QStringLiteral("/")));
     doc.setHtml(html);
     writer.setTitle(doc.metaInformation(QTextDocument::DocumentTitle));
 

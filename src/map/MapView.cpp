@@ -1,0 +1,698 @@
+#include "map/MapView.h"
+
+#include "locator/CoordsToLocator.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QKeyEvent>
+#include <QLocale>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QTimer>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace marvento {
+
+namespace {
+
+constexpr double kDeg = std::numbers::pi / 180.0;
+// Below this span the map switches to the finer data.
+constexpr double kFineSpanKm = 6000.0;
+const QColor kSea(198, 222, 240);
+const QColor kLand(238, 232, 205);
+const QColor kCoast(90, 110, 130);
+const QColor kBorder(150, 140, 120);
+const QColor kGrid(40, 90, 160, 110);
+const QColor kRings(80, 80, 80, 120);
+const QColor kPath(200, 30, 30);
+
+std::optional<MapData> loadData(const QString& name) {
+  QFile file(QStringLiteral(":/map/") + name);
+  if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
+  return ParseMapData(file.readAll());
+}
+
+// The outer circle, clockwise with north up.
+void addRim(QPainterPath& path, double rim, bool clockwise) {
+  const int n = 360;
+  for (int i = 0; i <= n; ++i) {
+    const double a = (clockwise ? i : -i) * 2 * std::numbers::pi / n;
+    const QPointF p(rim * std::sin(a), rim * std::cos(a));
+    if (i == 0) {
+      path.moveTo(p);
+    } else {
+      path.lineTo(p);
+    }
+  }
+  path.closeSubpath();
+}
+
+void addLine(QPainterPath& path, const KmLine& line) {
+  path.moveTo(line.front());
+  for (std::size_t i = 1; i < line.size(); ++i) path.lineTo(line[i]);
+}
+
+// The area on the right of a ring; where the antipode is in that area (rightSide) or on the
+// left (a hole), the rest of the disc outside the ring.
+void addArea(QPainterPath& path, const AzimuthalProjection& projection, const GeoLine& ring,
+             double stepDeg, bool rightSide) {
+  const KmRing r = ProjectRing(projection, ring, stepDeg);
+  if (r.points.size() < 3) return;
+  addLine(path, r.points);
+  path.closeSubpath();
+  if (r.anticlockwise == rightSide) addRim(path, projection.antipodeKm(), rightSide);
+}
+
+QPolygonF polygon(const KmLine& line) {
+  return QPolygonF(QList<QPointF>(line.begin(), line.end()));
+}
+
+// A closed polygon cut to a rectangle (Sutherland and Hodgman): the area inside the rectangle
+// stays the same, so filling the result fills what the view shows of the whole.
+QPolygonF clipped(const QPolygonF& polygon, const QRectF& rect) {
+  QPolygonF current = polygon;
+  for (int edge = 0; edge < 4 && !current.isEmpty(); ++edge) {
+    const auto inside = [&](QPointF p) {
+      switch (edge) {
+        case 0: return p.x() >= rect.left();
+        case 1: return p.x() <= rect.right();
+        case 2: return p.y() >= rect.top();
+        default: return p.y() <= rect.bottom();
+      }
+    };
+    const auto cross = [&](QPointF a, QPointF b) {
+      const double t = edge < 2
+                           ? ((edge == 0 ? rect.left() : rect.right()) - a.x()) / (b.x() - a.x())
+                           : ((edge == 2 ? rect.top() : rect.bottom()) - a.y()) / (b.y() - a.y());
+      return a + (b - a) * t;
+    };
+    QPolygonF next;
+    next.reserve(current.size());
+    for (qsizetype i = 0; i < current.size(); ++i) {
+      const QPointF a = current[i], b = current[(i + 1) % current.size()];
+      const bool ina = inside(a), inb = inside(b);
+      if (ina) next << a;
+      if (ina != inb) next << cross(a, b);
+    }
+    current = std::move(next);
+  }
+  return current;
+}
+
+// Numbers in the machine's decimal sign, without thousands separators (as the main window).
+QString number(double value, int decimals) {
+  QLocale locale;
+  locale.setNumberOptions(QLocale::OmitGroupSeparator);
+  return locale.toString(value, 'f', decimals);
+}
+
+QString km(double value) {
+  return number(value, value < 10 ? 2 : value < 100 ? 1 : 0);
+}
+
+}  // namespace
+
+MapView::MapView(QWidget* parent) : QWidget(parent) {
+  setObjectName(QStringLiteral("picKarte"));
+  setMouseTracking(true);
+  setFocusPolicy(Qt::StrongFocus);
+  setMinimumSize(200, 200);
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  // The grey line moves on: a new view each minute.
+  m_minute = new QTimer(this);
+  m_minute->setInterval(60000);
+  connect(m_minute, &QTimer::timeout, this, [this] {
+    if (m_layers & LayerNight) invalidate();
+  });
+  m_minute->start();
+}
+
+const MapData* MapView::data(bool fine) {
+  std::optional<MapData>& slot = fine ? m_fineData : m_coarseData;
+  if (!slot) slot = loadData(fine ? QStringLiteral("ne50m.bin") : QStringLiteral("ne110m.bin"));
+  if (!slot) slot = MapData{};
+  return &*slot;
+}
+
+const MapView::Geometry& MapView::geometry(bool fine) {
+  std::optional<Geometry>& slot = fine ? m_fine : m_coarse;
+  if (slot) return *slot;
+  const MapData* d = data(fine);
+  const double step = 1.0;
+  const double rim = m_projection.antipodeKm();
+  const QRectF disc(-rim, -rim, 2 * rim, 2 * rim);
+  Geometry g;
+  const auto area = [&](std::vector<Shape>& out, const UnitLine& ring, bool rightSide) {
+    const KmRing r = ProjectRing(m_projection, ring, step);
+    if (r.points.size() < 3) return;
+    Shape shape{polygon(r.points), {}, r.anticlockwise == rightSide};
+    shape.box = shape.rim ? disc : shape.km.boundingRect();
+    out.push_back(std::move(shape));
+  };
+  // Lines go in short runs, so that a zoomed view strokes only the runs it shows.
+  const auto lines = [&](std::vector<Shape>& out, const UnitLine& line) {
+    constexpr std::size_t kRun = 96;
+    for (const KmLine& piece : ProjectLine(m_projection, line, step)) {
+      for (std::size_t from = 0; from + 1 < piece.size(); from += kRun) {
+        const std::size_t to = std::min(piece.size(), from + kRun + 1);
+        Shape shape{
+            polygon(KmLine(piece.begin() + long(from), piece.begin() + long(to))), {}, false};
+        shape.box = shape.km.boundingRect();
+        out.push_back(std::move(shape));
+      }
+    }
+  };
+  for (const UnitLine& ring : d->outerUnit) area(g.land, ring, true);
+  for (const UnitLine& ring : d->holesUnit) area(g.holes, ring, false);
+  for (const auto* rings : {&d->outerUnit, &d->holesUnit}) {
+    for (const UnitLine& ring : *rings) lines(g.coast, ring);
+  }
+  for (const UnitLine& line : d->bordersUnit) lines(g.borders, line);
+  slot = std::move(g);
+  return *slot;
+}
+
+void MapView::reproject() {
+  m_coarse.reset();
+  m_fine.reset();
+  invalidate();
+}
+
+void MapView::invalidate() {
+  m_cacheValid = false;
+  update();
+}
+
+void MapView::setStations(std::optional<GeoPoint> own, std::optional<GeoPoint> remote,
+                          const QString& ownLocator, const QString& remoteLocator,
+                          double radiusKm) {
+  const GeoPoint centre = own.value_or(GeoPoint{});
+  if (!(centre == m_projection.centre() && radiusKm == m_projection.radiusKm()) ||
+      own.has_value() != m_own.has_value()) {
+    const AzimuthalProjection next(centre, radiusKm);
+    if (!(next.centre() == m_projection.centre()) || next.radiusKm() != m_projection.radiusKm()) {
+      m_projection = next;
+      m_coarse.reset();
+      m_fine.reset();
+      m_panKm = {};
+    }
+  }
+  m_own = own;
+  m_remote = remote;
+  m_ownLocator = ownLocator;
+  m_remoteLocator = remoteLocator;
+  invalidate();
+  if (!m_cursor) emit hovered(pathInfo());
+}
+
+void MapView::addFix(GeoPoint position) {
+  if (m_track.empty() || !(m_track.back() == position)) m_track.push_back(position);
+  update();
+}
+
+void MapView::setRotor(std::optional<double> heading, std::optional<double> sent) {
+  m_rotorHeading = heading;
+  if (sent) m_rotorSent = sent;
+  update();
+}
+
+void MapView::setBoundaryAhead(std::optional<std::pair<GeoPoint, GeoPoint>> segment) {
+  m_boundary = segment;
+  update();
+}
+
+void MapView::setLayers(unsigned layers) {
+  m_layers = layers & LayerAll;
+  invalidate();
+}
+
+double MapView::pixelsPerKm() const {
+  const double base = std::min(width(), height()) / 2.0 / (m_projection.antipodeKm() * 1.02);
+  return base * m_zoom;
+}
+
+void MapView::setZoom(double zoom, std::optional<QPointF> about) {
+  const double base = std::min(width(), height()) / 2.0 / (m_projection.antipodeKm() * 1.02);
+  // From the whole earth down to about 20 km across the shorter side.
+  const double most = std::max(1.0, std::min(width(), height()) / 20.0 / base);
+  zoom = std::clamp(zoom, 1.0, most);
+  const QPointF at = about.value_or(QPointF(width() / 2.0, height() / 2.0));
+  const QPointF kmAt = kmToPixel(size()).inverted().map(at);
+  m_zoom = zoom;
+  if (m_zoom <= 1.0) {
+    m_panKm = {};
+  } else {
+    const double s = pixelsPerKm();
+    m_panKm =
+        QPointF(kmAt.x() - (at.x() - width() / 2.0) / s, kmAt.y() + (at.y() - height() / 2.0) / s);
+  }
+  invalidate();
+}
+
+void MapView::wholeEarth() {
+  m_zoom = 1.0;
+  m_panKm = {};
+  invalidate();
+}
+
+QTransform MapView::kmToPixel(QSizeF size) const {
+  const double base =
+      std::min(size.width(), size.height()) / 2.0 / (m_projection.antipodeKm() * 1.02);
+  const double s = base * m_zoom;
+  return QTransform(s, 0, 0, -s, size.width() / 2.0 - m_panKm.x() * s,
+                    size.height() / 2.0 + m_panKm.y() * s);
+}
+
+std::optional<GeoPoint> MapView::placeAt(QPointF pixel) const {
+  const QPointF k = kmToPixel(size()).inverted().map(pixel);
+  if (std::hypot(k.x(), k.y()) > m_projection.antipodeKm()) return std::nullopt;
+  GeoPoint p;
+  m_projection.Reverse(k.x(), k.y(), p.lat, p.lon);
+  return p;
+}
+
+QPointF MapView::pixelOf(GeoPoint place) const {
+  double x = 0, y = 0;
+  m_projection.Forward(place.lat, place.lon, x, y);
+  return kmToPixel(size()).map(QPointF(x, y));
+}
+
+QString MapView::readout(GeoPoint place) const {
+  double d = 0, bearing = 0;
+  m_projection.Inverse(place.lat, place.lon, d, bearing);
+  QString text = QStringLiteral("%1   %2 km   %3 °")
+                     .arg(CoordsToLocator6(place.lon, place.lat), km(d), number(bearing, 1));
+  if (m_projection.centreAtPole()) text += QStringLiteral("   (Pol: 0°-Meridian oben)");
+  return text;
+}
+
+QString MapView::centreName() const {
+  if (!m_own) return QStringLiteral("0° 0°");
+  return m_ownLocator.isEmpty() ? CoordsToLocator6(m_own->lon, m_own->lat) : m_ownLocator;
+}
+
+QString MapView::pathInfo() const {
+  QString text;
+  double d = 0, bearing = 0;
+  if (m_remote) m_projection.Inverse(m_remote->lat, m_remote->lon, d, bearing);
+  if (m_remote && d <= 1e-6) {
+    text = QStringLiteral("Gegenstation = eigene Station");
+  } else if (m_remote) {
+    const double longKm = 2 * m_projection.antipodeKm() - d;
+    text = QStringLiteral("Kurzer Weg %1 km, %2 °   Langer Weg %3 km, %4 °")
+               .arg(km(d), number(bearing, 1), km(longKm),
+                    number(std::fmod(bearing + 180.0, 360.0), 1));
+  } else {
+    text = QStringLiteral("Mitte %1").arg(centreName());
+  }
+  if (m_projection.centreAtPole()) text += QStringLiteral("   (Pol: 0°-Meridian oben)");
+  return text;
+}
+
+void MapView::drawLine(QPainter& painter, const GeoLine& line, const QTransform& t,
+                       double stepDeg) {
+  for (const KmLine& piece : ProjectLine(m_projection, line, stepDeg)) {
+    QPolygonF poly;
+    poly.reserve(qsizetype(piece.size()));
+    for (const QPointF& p : piece) poly << t.map(p);
+    painter.drawPolyline(poly);
+  }
+}
+
+void MapView::drawGrid(QPainter& painter, const QTransform& t, QSizeF size) {
+  const double s = t.m11();
+  // The finest level whose cells are at least 10 pixels high: fields (10°), squares (1°),
+  // subsquares (2.5').
+  const double kmPerDeg = m_projection.radiusKm() * kDeg;
+  const int level = s * kmPerDeg / 24.0 >= 10 ? 2 : s * kmPerDeg >= 10 ? 1 : 0;
+  double south = -90, north = 90, west = -180, east = 180;
+  if (level > 0) {
+    // The view's bounds in degrees, from points round its edge.
+    const QTransform back = t.inverted();
+    GeoPoint mid;
+    const QPointF midKm = back.map(QPointF(size.width() / 2, size.height() / 2));
+    m_projection.Reverse(midKm.x(), midKm.y(), mid.lat, mid.lon);
+    double lo = 0, hi = 0;
+    south = north = mid.lat;
+    bool rimInView = false;
+    for (int i = 0; i <= 64; ++i) {
+      const double f = (i % 16) / 16.0;
+      const int side = i / 16;
+      const QPointF px = side == 0   ? QPointF(f * size.width(), 0)
+                         : side == 1 ? QPointF(size.width(), f * size.height())
+                         : side == 2 ? QPointF((1 - f) * size.width(), size.height())
+                                     : QPointF(0, (1 - f) * size.height());
+      const QPointF k = back.map(px);
+      rimInView = rimInView || std::hypot(k.x(), k.y()) >= m_projection.antipodeKm();
+      GeoPoint p;
+      m_projection.Reverse(k.x(), k.y(), p.lat, p.lon);
+      south = std::min(south, p.lat);
+      north = std::max(north, p.lat);
+      const double d = std::remainder(p.lon - mid.lon, 360.0);
+      lo = std::min(lo, d);
+      hi = std::max(hi, d);
+    }
+    const QRectF view(QPointF(0, 0), size);
+    double px = 0, py = 0;
+    m_projection.Forward(90, 0, px, py);
+    const bool northPole = view.contains(t.map(QPointF(px, py)));
+    m_projection.Forward(-90, 0, px, py);
+    const bool southPole = view.contains(t.map(QPointF(px, py)));
+    if (northPole) north = 90;
+    if (southPole) south = -90;
+    if (!rimInView && !northPole && !southPole && hi - lo < 300) {
+      west = NormalisedLongitude(mid.lon + lo);
+      east = NormalisedLongitude(mid.lon + hi);
+    }
+    if (rimInView) south = -90, north = 90;
+  }
+  // Grid lines bend gently: a point every dozen pixels or so is smooth enough.
+  const double step = std::clamp(12.0 / (s * kmPerDeg), 0.002, 2.0);
+  painter.setPen(QPen(kGrid, 0));
+  for (const GeoLine& line : GridLines(level, south, north, west, east, step)) {
+    drawLine(painter, line, t, step);
+  }
+  // Labels in the cells' middles.
+  const double dLon = level == 0 ? 20.0 : level == 1 ? 2.0 : 2.0 / 24.0;
+  const double dLat = dLon / 2;
+  const int chars = level == 0 ? 2 : level == 1 ? 4 : 6;
+  QFont f = painter.font();
+  f.setPointSizeF(level == 0 ? 7 : 8);
+  painter.setFont(f);
+  painter.setPen(kGrid.darker(150));
+  const QRectF view(QPointF(0, 0), size);
+  double lonSpan = east - west;
+  if (lonSpan <= 0) lonSpan += 360;
+  const double firstLon = -180 + std::floor((west + 180) / dLon) * dLon;
+  const double firstLat = -90 + std::floor((south + 90) / dLat) * dLat;
+  int drawn = 0;
+  for (double lat = firstLat; lat < north && drawn < 400; lat += dLat) {
+    for (double lon = firstLon; lon < firstLon + lonSpan + dLon && drawn < 400; lon += dLon) {
+      const GeoPoint c{lat + dLat / 2, NormalisedLongitude(lon + dLon / 2)};
+      if (c.lat > 90 || c.lat < -90) continue;
+      double x = 0, y = 0;
+      m_projection.Forward(c.lat, c.lon, x, y);
+      const QPointF p = t.map(QPointF(x, y));
+      if (!view.contains(p)) continue;
+      const QString name = CoordsToLocator6(c.lon, c.lat).left(chars);
+      painter.drawText(QRectF(p.x() - 30, p.y() - 8, 60, 16), Qt::AlignCenter, name);
+      ++drawn;
+    }
+  }
+}
+
+void MapView::drawRingsAndScale(QPainter& painter, const QTransform& t, QSizeF size) {
+  const double s = t.m11();
+  const QPointF centre = t.map(QPointF(0, 0));
+  const double spanKm = std::min(size.width(), size.height()) / s;
+  const double spacing = RingSpacingKm(spanKm / 2);
+  painter.setPen(QPen(kRings, 0, Qt::DotLine));
+  painter.setBrush(Qt::NoBrush);
+  const double rim = m_projection.antipodeKm();
+  // Only the rings that cross the view.
+  const QPointF viewKm = t.inverted().map(QPointF(size.width() / 2, size.height() / 2));
+  const double nearKm = std::max(0.0, std::hypot(viewKm.x(), viewKm.y()) - spanKm);
+  const double farKm = std::hypot(viewKm.x(), viewKm.y()) + spanKm;
+  for (double r = std::max(spacing, std::floor(nearKm / spacing) * spacing);
+       r < std::min(rim, farKm) && r < spacing * 500; r += spacing) {
+    painter.drawEllipse(centre, r * s, r * s);
+    painter.drawText(centre + QPointF(3, -r * s - 2), km(r) + QStringLiteral(" km"));
+  }
+  painter.setPen(QPen(kCoast, 0));
+  painter.drawEllipse(centre, rim * s, rim * s);
+
+  // Bearing ticks where each direction from the own station leaves the view.
+  const QRectF view(QPointF(0, 0), size);
+  painter.setPen(QPen(Qt::black, 0));
+  for (int b = 0; b < 360; b += 10) {
+    const QPointF dir(std::sin(b * kDeg), -std::cos(b * kDeg));
+    // Distance along dir from the centre to the view's edge.
+    double tmax = 1e9;
+    for (double edge : {dir.x() > 0   ? (view.right() - centre.x()) / dir.x()
+                        : dir.x() < 0 ? (view.left() - centre.x()) / dir.x()
+                                      : 1e9,
+                        dir.y() > 0   ? (view.bottom() - centre.y()) / dir.y()
+                        : dir.y() < 0 ? (view.top() - centre.y()) / dir.y()
+                                      : 1e9}) {
+      if (edge > 0) tmax = std::min(tmax, edge);
+    }
+    if (tmax >= 1e9 || !view.adjusted(-1, -1, 1, 1).contains(centre)) continue;
+    const double len = b % 30 == 0 ? 12 : 6;
+    painter.drawLine(centre + dir * tmax, centre + dir * (tmax - len));
+    if (b % 30 == 0) {
+      const QPointF at = centre + dir * (tmax - 24);
+      painter.drawText(QRectF(at.x() - 20, at.y() - 8, 40, 16), Qt::AlignCenter,
+                       QString::number(b) + QStringLiteral("°"));
+    }
+  }
+
+  // Scale bar in the bottom left corner.
+  const double barKm = RingSpacingKm(spanKm / 2);
+  const double barPx = barKm * s;
+  const QPointF a(12, size.height() - 14);
+  painter.setPen(QPen(Qt::black, 2));
+  painter.drawLine(a, a + QPointF(barPx, 0));
+  painter.drawLine(a, a - QPointF(0, 5));
+  painter.drawLine(a + QPointF(barPx, 0), a + QPointF(barPx, -5));
+  painter.drawText(a + QPointF(0, -7), km(barKm) + QStringLiteral(" km"));
+}
+
+void MapView::paintStatic(QPainter& painter, QSizeF size) {
+  const QTransform t = kmToPixel(size);
+  const double s = t.m11();
+  painter.fillRect(QRectF(QPointF(0, 0), size), palette().window());
+  painter.setRenderHint(QPainter::Antialiasing);
+  const double rim = m_projection.antipodeKm();
+  QPainterPath disc;
+  addRim(disc, rim, true);
+  const QPainterPath discPx = t.map(disc);
+  painter.setClipPath(discPx);
+  painter.fillPath(discPx, (m_layers & LayerLand) ? kSea : Qt::white);
+  const bool fine = std::min(size.width(), size.height()) / s < kFineSpanKm;
+  const Geometry& g = geometry(fine);
+  // Only the shapes that reach into the view, gathered into one path per layer.
+  const QRectF viewKm = t.inverted().mapRect(QRectF(QPointF(0, 0), size));
+  const QRectF margin = viewKm.adjusted(-viewKm.width() * 0.05, -viewKm.height() * 0.05,
+                                        viewKm.width() * 0.05, viewKm.height() * 0.05);
+  const auto gather = [&](const std::vector<Shape>& shapes, bool area, bool clockwiseRim) {
+    QPainterPath path;
+    path.setFillRule(Qt::WindingFill);
+    for (const Shape& shape : shapes) {
+      if (!shape.box.intersects(viewKm)) continue;
+      if (!area) {
+        path.addPolygon(shape.km);
+        continue;
+      }
+      // A large area mostly outside the view is cut to it first.
+      const bool cut = !viewKm.contains(shape.box) && shape.km.size() > 64;
+      path.addPolygon(cut ? clipped(shape.km, margin) : shape.km);
+      path.closeSubpath();
+      if (shape.rim) addRim(path, rim, clockwiseRim);
+    }
+    return path;
+  };
+  painter.save();
+  painter.setTransform(t, true);
+  if (m_layers & LayerLand) {
+    painter.fillPath(gather(g.land, true, true), kLand);
+    painter.fillPath(gather(g.holes, true, false), kSea);
+  }
+  if (m_layers & LayerCoast) painter.strokePath(gather(g.coast, false, true), QPen(kCoast, 0));
+  if (m_layers & LayerBorders) {
+    painter.strokePath(gather(g.borders, false, true), QPen(kBorder, 0, Qt::DashLine));
+  }
+  painter.restore();
+  if (m_layers & LayerNight) {
+    QPainterPath night;
+    night.setFillRule(Qt::WindingFill);
+    addArea(night, m_projection, Terminator(QDateTime::currentDateTimeUtc()), 2.0, true);
+    painter.fillPath(t.map(night), QColor(0, 0, 40, 45));
+  }
+  if (m_layers & LayerGrid) drawGrid(painter, t, size);
+  painter.setClipping(false);
+  if (m_layers & LayerRings) drawRingsAndScale(painter, t, size);
+
+  if (m_layers & LayerStations) {
+    double apartKm = 0, apartBearing = 0;
+    if (m_remote) m_projection.Inverse(m_remote->lat, m_remote->lon, apartKm, apartBearing);
+    // The same place twice has no path and no direction.
+    if (m_remote && m_own && apartKm > 1e-6) {
+      const double stepKm = std::max(1e-3, 4.0 / s);
+      const PathLines paths = GreatCirclePaths(m_projection, *m_remote, stepKm);
+      painter.setPen(QPen(kPath, 2));
+      drawLine(painter, paths.shortPath, t, 0.5);
+      painter.setPen(QPen(kPath, 1.5, Qt::DashLine));
+      drawLine(painter, paths.longPath, t, 0.5);
+    }
+    const auto marker = [&](GeoPoint p, const QString& name, bool own) {
+      double x = 0, y = 0;
+      m_projection.Forward(p.lat, p.lon, x, y);
+      const QPointF at = t.map(QPointF(x, y));
+      painter.setPen(QPen(Qt::black, 1.5));
+      painter.setBrush(own ? QColor(30, 120, 30) : kPath);
+      if (own) {
+        painter.drawEllipse(at, 4.5, 4.5);
+      } else {
+        painter.drawRect(QRectF(at - QPointF(4, 4), QSizeF(8, 8)));
+      }
+      painter.setBrush(Qt::NoBrush);
+      painter.drawText(at + QPointF(7, -6), name);
+    };
+    if (m_own) marker(*m_own, m_ownLocator, true);
+    if (m_remote) marker(*m_remote, m_remoteLocator, false);
+  }
+}
+
+void MapView::paintMoving(QPainter& painter, QSizeF size) {
+  const QTransform t = kmToPixel(size);
+  painter.setRenderHint(QPainter::Antialiasing);
+  const QPointF centre = t.map(QPointF(0, 0));
+  if ((m_layers & LayerTrack) && !m_track.empty()) {
+    painter.setPen(QPen(QColor(120, 0, 160), 2));
+    drawLine(painter, m_track, t, 0.5);
+    // Each square entered, marked where the track entered it.
+    for (std::size_t i = 1; i < m_track.size(); ++i) {
+      const QString from = CoordsToLocator6(m_track[i - 1].lon, m_track[i - 1].lat).left(4);
+      const QString to = CoordsToLocator6(m_track[i].lon, m_track[i].lat).left(4);
+      if (from == to) continue;
+      const QPointF at = pixelOf(m_track[i]);
+      painter.drawRect(QRectF(at - QPointF(3, 3), QSizeF(6, 6)));
+      painter.drawText(at + QPointF(6, 12), to);
+    }
+    painter.setBrush(QColor(120, 0, 160));
+    painter.drawEllipse(pixelOf(m_track.back()), 4, 4);
+    painter.setBrush(Qt::NoBrush);
+  }
+  if (m_boundary) {
+    painter.setPen(QPen(QColor(255, 140, 0), 3));
+    drawLine(painter, {m_boundary->first, m_boundary->second}, t, 0.01);
+  }
+  if ((m_layers & LayerRotor) && (m_rotorHeading || m_rotorSent)) {
+    const double len = std::hypot(size.width(), size.height());
+    const auto ray = [&](double bearing) {
+      return centre + QPointF(std::sin(bearing * kDeg), -std::cos(bearing * kDeg)) * len;
+    };
+    if (m_rotorSent) {
+      painter.setPen(QPen(QColor(0, 90, 200), 1, Qt::DashDotLine));
+      painter.drawLine(centre, ray(*m_rotorSent));
+    }
+    if (m_rotorHeading) {
+      painter.setPen(QPen(QColor(0, 90, 200), 3));
+      painter.drawLine(centre, ray(*m_rotorHeading));
+    }
+  }
+  const std::optional<QPointF> cursor = m_keyCursor ? m_keyCursor : m_cursor;
+  if (cursor) {
+    painter.setPen(QPen(Qt::black, 1));
+    painter.drawLine(*cursor - QPointF(8, 0), *cursor + QPointF(8, 0));
+    painter.drawLine(*cursor - QPointF(0, 8), *cursor + QPointF(0, 8));
+  }
+}
+
+void MapView::render(QPainter& painter, QSize size) {
+  paintStatic(painter, size);
+  paintMoving(painter, size);
+}
+
+void MapView::paintEvent(QPaintEvent*) {
+  const qreal dpr = devicePixelRatioF();
+  if (!m_cacheValid || m_cache.size() != size() * dpr) {
+    m_cache = QPixmap(size() * dpr);
+    m_cache.setDevicePixelRatio(dpr);
+    QPainter p(&m_cache);
+    paintStatic(p, size());
+    m_cacheValid = true;
+  }
+  QPainter painter(this);
+  painter.drawPixmap(0, 0, m_cache);
+  paintMoving(painter, size());
+}
+
+void MapView::resizeEvent(QResizeEvent*) {
+  m_cacheValid = false;
+}
+
+void MapView::mouseMoveEvent(QMouseEvent* event) {
+  const QPointF pos = event->position();
+  if (m_dragFrom) {
+    const QPointF d = pos - *m_dragFrom;
+    m_dragFrom = pos;
+    const double s = pixelsPerKm();
+    m_panKm -= QPointF(d.x() / s, -d.y() / s);
+    invalidate();
+  }
+  m_cursor = pos;
+  m_keyCursor.reset();
+  const std::optional<GeoPoint> place = placeAt(pos);
+  emit hovered(place ? readout(*place) : pathInfo());
+  update();
+}
+
+void MapView::mousePressEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton) m_dragFrom = event->position();
+}
+
+void MapView::mouseReleaseEvent(QMouseEvent*) {
+  m_dragFrom.reset();
+}
+
+void MapView::mouseDoubleClickEvent(QMouseEvent* event) {
+  m_dragFrom.reset();
+  if (const std::optional<GeoPoint> place = placeAt(event->position())) emit pointChosen(*place);
+}
+
+void MapView::wheelEvent(QWheelEvent* event) {
+  const double steps = event->angleDelta().y() / 120.0;
+  if (steps != 0) setZoom(m_zoom * std::pow(1.25, steps), event->position());
+}
+
+void MapView::leaveEvent(QEvent*) {
+  m_cursor.reset();
+  emit hovered(pathInfo());
+  update();
+}
+
+void MapView::moveKeyCursor(QPoint delta) {
+  QPointF at = m_keyCursor.value_or(m_cursor.value_or(QPointF(width() / 2.0, height() / 2.0)));
+  at += delta * 8;
+  at.setX(std::clamp(at.x(), 0.0, double(width() - 1)));
+  at.setY(std::clamp(at.y(), 0.0, double(height() - 1)));
+  m_keyCursor = at;
+  const std::optional<GeoPoint> place = placeAt(at);
+  emit hovered(place ? readout(*place) : pathInfo());
+  update();
+}
+
+void MapView::keyPressEvent(QKeyEvent* event) {
+  QPoint delta;
+  switch (event->key()) {
+    case Qt::Key_Left: delta = {-1, 0}; break;
+    case Qt::Key_Right: delta = {1, 0}; break;
+    case Qt::Key_Up: delta = {0, -1}; break;
+    case Qt::Key_Down: delta = {0, 1}; break;
+    case Qt::Key_Plus: setZoom(m_zoom * 1.5, m_keyCursor); return;
+    case Qt::Key_Minus: setZoom(m_zoom / 1.5, m_keyCursor); return;
+    case Qt::Key_Home: wholeEarth(); return;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      if (m_keyCursor) {
+        if (const std::optional<GeoPoint> place = placeAt(*m_keyCursor)) emit pointChosen(*place);
+      }
+      return;
+    default: QWidget::keyPressEvent(event); return;
+  }
+  if (event->modifiers() & Qt::ShiftModifier) {
+    moveKeyCursor(delta);
+  } else {
+    // An arrow pans by a tenth of the view.
+    const double s = pixelsPerKm();
+    m_panKm += QPointF(delta.x(), -delta.y()) * (std::min(width(), height()) / 10.0 / s);
+    invalidate();
+  }
+}
+
+}  // namespace marvento

@@ -1,0 +1,126 @@
+#pragma once
+
+#include "map/AzimuthalProjection.h"
+#include "map/MapData.h"
+
+#include <QPainterPath>
+#include <QPixmap>
+#include <QWidget>
+
+#include <optional>
+#include <utility>
+
+class QTimer;
+
+namespace marvento {
+
+// The layers the user can switch off, one bit each.
+enum MapLayer : unsigned {
+  LayerLand = 1u << 0,
+  LayerCoast = 1u << 1,
+  LayerBorders = 1u << 2,
+  LayerRings = 1u << 3,
+  LayerGrid = 1u << 4,
+  LayerStations = 1u << 5,
+  LayerRotor = 1u << 6,
+  LayerTrack = 1u << 7,
+  LayerNight = 1u << 8,
+  LayerAll = (1u << 9) - 1,
+};
+
+// The map (picKarte): an azimuthal equidistant view centred on the own station. The static
+// layers are projected once per centre, painted once per view into a pixmap, and the moving
+// parts (cursor, rotor needle, track) drawn over it each frame.
+class MapView : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit MapView(QWidget* parent = nullptr);
+
+  void setStations(std::optional<GeoPoint> own, std::optional<GeoPoint> remote,
+                   const QString& ownLocator, const QString& remoteLocator, double radiusKm);
+  void addFix(GeoPoint position);
+  void setRotor(std::optional<double> heading, std::optional<double> sent);
+  // The grid line ahead of a rover, highlighted; unset removes it.
+  void setBoundaryAhead(std::optional<std::pair<GeoPoint, GeoPoint>> segment);
+  void setLayers(unsigned layers);
+  unsigned layers() const { return m_layers; }
+  // 1 is the whole earth; larger values zoom in.
+  void setZoom(double zoom, std::optional<QPointF> about = {});
+  double zoom() const { return m_zoom; }
+  void wholeEarth();
+
+  const AzimuthalProjection& projection() const { return m_projection; }
+  // Widget pixel to the place there (unset beyond the outer circle), and back.
+  std::optional<GeoPoint> placeAt(QPointF pixel) const;
+  QPointF pixelOf(GeoPoint place) const;
+  // The info line's text for a place: locator, distance and bearing from the own station.
+  QString readout(GeoPoint place) const;
+  // The info line's text when the cursor is not over the map: the paths.
+  QString pathInfo() const;
+  // The own station's locator, or where the map is centred without one.
+  QString centreName() const;
+  // Paints the whole view, every layer, at the given size (PNG, PDF, benchmarks).
+  void render(QPainter& painter, QSize size);
+  // Projects the land data again, as a new centre would (benchmarks).
+  void reproject();
+  // The km-to-pixel scale of the view.
+  double pixelsPerKm() const;
+
+ signals:
+  void hovered(const QString& text);
+  void pointChosen(marvento::GeoPoint place);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void leaveEvent(QEvent* event) override;
+
+ private:
+  // A projected ring or line with its bounds, so that a zoomed view paints only what it
+  // shows. rim: the area reaches round the antipode to the outer circle.
+  struct Shape {
+    QPolygonF km;
+    QRectF box;
+    bool rim = false;
+  };
+  struct Geometry {
+    std::vector<Shape> land, holes, coast, borders;
+  };
+  const MapData* data(bool fine);
+  const Geometry& geometry(bool fine);
+  void invalidate();
+  QTransform kmToPixel(QSizeF size) const;
+  void paintStatic(QPainter& painter, QSizeF size);
+  void paintMoving(QPainter& painter, QSizeF size);
+  void drawLine(QPainter& painter, const GeoLine& line, const QTransform& t, double stepDeg);
+  void drawGrid(QPainter& painter, const QTransform& t, QSizeF size);
+  void drawRingsAndScale(QPainter& painter, const QTransform& t, QSizeF size);
+  void moveKeyCursor(QPoint delta);
+
+  AzimuthalProjection m_projection;
+  std::optional<GeoPoint> m_own, m_remote;
+  QString m_ownLocator, m_remoteLocator;
+  std::optional<double> m_rotorHeading, m_rotorSent;
+  std::optional<std::pair<GeoPoint, GeoPoint>> m_boundary;
+  GeoLine m_track;
+  unsigned m_layers = LayerAll;
+  double m_zoom = 1.0;
+  QPointF m_panKm;  // the projected point at the widget's centre
+  std::optional<QPointF> m_cursor;
+  std::optional<QPointF> m_keyCursor;
+  std::optional<QPointF> m_dragFrom;
+  std::optional<MapData> m_coarseData, m_fineData;
+  std::optional<Geometry> m_coarse, m_fine;
+  QPixmap m_cache;
+  bool m_cacheValid = false;
+  QTimer* m_minute = nullptr;
+};
+
+}  // namespace marvento
