@@ -1,5 +1,9 @@
 #include "map/MapView.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
+#include <QStringList>
+
 #include "locator/CoordsToLocator.h"
 
 #include <QDateTime>
@@ -663,8 +667,63 @@ void MapView::moveKeyCursor(QPoint delta) {
   at.setY(std::clamp(at.y(), 0.0, double(height() - 1)));
   m_keyCursor = at;
   const std::optional<GeoPoint> place = placeAt(at);
-  emit hovered(place ? readout(*place) : pathInfo());
+  const QString text = place ? readout(*place) : QStringLiteral("außerhalb der Karte");
+  emit hovered(place ? text : pathInfo());
+  emit keyCursorRead(text);
   update();
+}
+
+QString MapView::textAlternative() const {
+  QStringList parts;
+  parts << QStringLiteral("Karte um %1").arg(centreName());
+  if (m_remote && !m_remoteLocator.isEmpty()) {
+    parts << QStringLiteral("Gegenstation %1").arg(m_remoteLocator);
+  }
+  parts << pathInfo();
+  if (m_keyCursor) {
+    if (const std::optional<GeoPoint> place = placeAt(*m_keyCursor)) {
+      parts << QStringLiteral("Fadenkreuz: %1").arg(readout(*place));
+    }
+  }
+  return parts.join(QStringLiteral(". "));
+}
+
+namespace {
+
+// The map is one picture to a screen reader, whose name says what it is and whose
+// description carries what a sighted user reads off it.
+class MapAccessible : public QAccessibleWidget {
+ public:
+  explicit MapAccessible(QWidget* w) : QAccessibleWidget(w, QAccessible::Graphic) {}
+  QString text(QAccessible::Text t) const override {
+    const auto* map = static_cast<const MapView*>(widget());
+    if (t == QAccessible::Description) {
+      const QString keys = map->accessibleDescription();
+      return keys.isEmpty() ? map->textAlternative()
+                            : map->textAlternative() + QStringLiteral(". ") + keys;
+    }
+    if (t == QAccessible::Name && map->accessibleName().isEmpty()) {
+      return QStringLiteral("Karte");
+    }
+    return QAccessibleWidget::text(t);
+  }
+};
+
+QAccessibleInterface* mapAccessible(const QString& className, QObject* object) {
+  if (className == QLatin1String("marvento::MapView") && object && object->isWidgetType()) {
+    return new MapAccessible(static_cast<QWidget*>(object));
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+void InstallMapAccessible() {
+  static const bool installed = [] {
+    QAccessible::installFactory(&mapAccessible);
+    return true;
+  }();
+  (void)installed;
 }
 
 void MapView::keyPressEvent(QKeyEvent* event) {

@@ -28,6 +28,9 @@ enum MapLayer : unsigned {
   LayerAll = (1u << 9) - 1,
 };
 
+// Lets screen readers see the map as a picture with a text alternative; once per process.
+void InstallMapAccessible();
+
 // The map (picKarte): an azimuthal equidistant view centred on the own station. The static
 // layers are projected once per centre, painted once per view into a pixmap, and the moving
 // parts (cursor, rotor needle, track) drawn over it each frame.
@@ -66,10 +69,15 @@ class MapView : public QWidget {
   void reproject();
   // The km-to-pixel scale of the view.
   double pixelsPerKm() const;
+  // What a screen reader reads for the picture: the stations, the path and what lies under
+  // the keyboard cursor.
+  QString textAlternative() const;
 
  signals:
   void hovered(const QString& text);
   void pointChosen(marvento::GeoPoint place);
+  // The keyboard cursor moved: its readout, for a screen reader to speak.
+  void keyCursorRead(const QString& text);
 
  protected:
   void paintEvent(QPaintEvent* event) override;

@@ -1,6 +1,8 @@
 #include "map/frmKarte.h"
 
+#include "access/LiveRegion.h"
 #include "map/MapView.h"
+#include "platform/AccessibleTexts.h"
 #include "platform/MsgBox.h"
 #include "platform/Settings.h"
 
@@ -30,8 +32,8 @@ struct LayerItem {
 const LayerItem kLayerItems[] = {
     {LayerLand, "&Land und Meer"},  {LayerCoast, "&Küsten"},
     {LayerBorders, "&Grenzen"},     {LayerRings, "&Entfernungsringe und Richtungen"},
-    {LayerGrid, "&Locator-Gitter"}, {LayerStations, "&Stationen und Weg"},
-    {LayerRotor, "&Rotor"},         {LayerTrack, "GPS-&Spur"},
+    {LayerGrid, "L&ocator-Gitter"}, {LayerStations, "&Stationen und Weg"},
+    {LayerRotor, "&Rotor"},         {LayerTrack, "GPS-S&pur"},
     {LayerNight, "&Tag und Nacht"},
 };
 
@@ -46,6 +48,7 @@ frmKarte::frmKarte(QWidget* parent) : QMainWindow(parent, Qt::Window) {
   auto* layout = new QVBoxLayout(central);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(2);
+  InstallMapAccessible();
   picKarte = new MapView(central);
   lbKarteInfo = new QLabel(central);
   lbKarteInfo->setObjectName(QStringLiteral("lbKarteInfo"));
@@ -55,14 +58,29 @@ frmKarte::frmKarte(QWidget* parent) : QMainWindow(parent, Qt::Window) {
   layout->addWidget(lbKarteInfo);
   setCentralWidget(central);
   connect(picKarte, &MapView::hovered, lbKarteInfo, &QLabel::setText);
+  // The keyboard cursor's readout is spoken; the mouse's would talk at every move.
+  auto* live = new LiveRegion(this);
+  connect(picKarte, &MapView::keyCursorRead, live, &LiveRegion::say);
+  SetAccessibleTexts(
+      this, {
+                {"picKarte", QStringLiteral("Karte"),
+                 QStringLiteral("Pfeiltasten verschieben, Umschalt+Pfeiltasten bewegen das "
+                                "Fadenkreuz, Eingabe übernimmt den Punkt als Gegenstation, Plus "
+                                "und Minus vergrößern und verkleinern, Pos1 zeigt die ganze Erde")},
+                {"lbKarteInfo", QString(),
+                 QStringLiteral("Infozeile der Karte: Locator, Entfernung und Richtung des "
+                                "Punkts unter dem Zeiger")},
+            });
 
   QMenu* file = menuBar()->addMenu(QStringLiteral("&Datei"));
+  file->setObjectName(QStringLiteral("mnuKarteDatei"));
   mnuSpeichern = file->addAction(QStringLiteral("&Speichern unter…"), this, &frmKarte::saveAs);
   mnuSpeichern->setObjectName(QStringLiteral("mnuKarteSpeichern"));
   mnuSpeichern->setShortcut(QKeySequence::SaveAs);
   file->addAction(QStringLiteral("S&chließen"), QKeySequence::Close, this, &QWidget::close);
 
   QMenu* view = menuBar()->addMenu(QStringLiteral("&Ansicht"));
+  view->setObjectName(QStringLiteral("mnuKarteAnsicht"));
   view->addAction(QStringLiteral("&Ganze Erde (Pos1)"), this, [this] { picKarte->wholeEarth(); });
   view->addAction(QStringLiteral("&Vergrößern (+)"), this,
                   [this] { picKarte->setZoom(picKarte->zoom() * 1.5); });
@@ -70,6 +88,7 @@ frmKarte::frmKarte(QWidget* parent) : QMainWindow(parent, Qt::Window) {
                   [this] { picKarte->setZoom(picKarte->zoom() / 1.5); });
 
   QMenu* layers = menuBar()->addMenu(QStringLiteral("&Ebenen"));
+  layers->setObjectName(QStringLiteral("mnuKarteEbenen"));
   bool ok = false;
   const unsigned stored =
       GetMapSetting(MapSettingKey::Layers, QString::number(LayerAll)).toUInt(&ok);

@@ -135,9 +135,11 @@ QStringList unnamedControls(QWidget* window) {
     if (!shown(w, window)) continue;
     const bool focusable = (w->focusPolicy() & Qt::TabFocus) == Qt::TabFocus;
     if (!focusable && !qobject_cast<QAbstractButton*>(w)) continue;
-    // The list of a combo box and the view of a dialog's button box are parts of their
-    // control, reached through it.
+    // The list of a combo box, the view of a dialog's button box and the text of a spin box
+    // are parts of their control, reached through it (Qt gives the spin box's own text no
+    // interface of its own: screen readers read the spin box).
     if (w->inherits("QAbstractItemView") || w->inherits("QScrollBar")) continue;
+    if (w->parentWidget() && w->parentWidget()->inherits("QAbstractSpinBox")) continue;
     QAccessibleInterface* iface = QAccessible::queryAccessibleInterface(w);
     if (!iface) {
       problems << describe(w) + QStringLiteral(": no accessible interface");
