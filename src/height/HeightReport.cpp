@@ -3,6 +3,7 @@
 #include "platform/Format.h"
 #include "platform/MsgBox.h"
 #include "platform/PrintZones.h"
+#include "platform/WriteFailure.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -25,23 +26,6 @@ const QString kLineEnd = QStringLiteral("\r\n");
 // Every line of the report is followed by an empty one.
 QString line(const QString& text) {
   return text + kLineEnd + kLineEnd;
-}
-
-QString reasonFor(int error) {
-  switch (error) {
-    case ENOSPC: return QStringLiteral("Der Datenträger ist voll.");
-    case EDQUOT: return QStringLiteral("Das Speicherkontingent ist erschöpft.");
-    case EFBIG: return QStringLiteral("Die Datei überschreitet die erlaubte Größe.");
-    case EACCES:
-    case EPERM: return QStringLiteral("Keine Schreibberechtigung im Ordner.");
-    case EROFS: return QStringLiteral("Das Dateisystem ist schreibgeschützt.");
-    case ENOENT:
-    case ENOTDIR: return QStringLiteral("Der Ordner ist nicht vorhanden.");
-    case EIO: return QStringLiteral("Ein-/Ausgabefehler beim Schreiben.");
-    case ELOOP: return QStringLiteral("Die Datei ist eine symbolische Verknüpfung.");
-    case EINVAL: return QStringLiteral("Die Datei ist keine gewöhnliche Datei.");
-    default: return QString::fromLocal8Bit(std::strerror(error));
-  }
 }
 
 // Writes all of bytes to fd; 0 or the error number.
@@ -104,7 +88,7 @@ HeightReportResult WriteHeightReport(const QString& folder, const QString& text)
 
   const QByteArray targetName = QFile::encodeName(target);
   if (const int refused = refusedTarget(targetName)) {
-    result.reason = reasonFor(refused);
+    result.reason = WriteFailureReason(refused);
     return result;
   }
 
@@ -113,7 +97,7 @@ HeightReportResult WriteHeightReport(const QString& folder, const QString& text)
   QByteArray temp = targetName + ".XXXXXX";
   const int fd = ::mkostemp(temp.data(), O_CLOEXEC);
   if (fd < 0) {
-    result.reason = reasonFor(errno);
+    result.reason = WriteFailureReason(errno);
     return result;
   }
   const mode_t mask = ::umask(0);
@@ -127,7 +111,7 @@ HeightReportResult WriteHeightReport(const QString& folder, const QString& text)
   if (error == 0 && ::rename(temp.constData(), targetName.constData()) != 0) error = errno;
   if (error != 0) {
     ::unlink(temp.constData());
-    result.reason = reasonFor(error);
+    result.reason = WriteFailureReason(error);
     return result;
   }
   result.written = true;

@@ -1,6 +1,7 @@
 #include "platform/Settings.h"
 
 #include "platform/Numbers.h"
+#include "platform/WriteFailure.h"
 
 #include <QDir>
 #include <QFile>
@@ -55,21 +56,6 @@ QString mapSettingName(MapSettingKey key) {
     case MapSettingKey::Layers: return QStringLiteral("Ebenen");
   }
   return {};
-}
-
-QString reasonFor(int error) {
-  switch (error) {
-    case ENOSPC: return QStringLiteral("Der Datenträger ist voll.");
-    case EDQUOT: return QStringLiteral("Das Speicherkontingent ist erschöpft.");
-    case EFBIG: return QStringLiteral("Die Datei überschreitet die erlaubte Größe.");
-    case EACCES:
-    case EPERM: return QStringLiteral("Keine Schreibberechtigung im Ordner.");
-    case EROFS: return QStringLiteral("Das Dateisystem ist schreibgeschützt.");
-    case ENOENT:
-    case ENOTDIR: return QStringLiteral("Der Ordner ist nicht vorhanden.");
-    case EIO: return QStringLiteral("Ein-/Ausgabefehler beim Schreiben.");
-    default: return QString::fromLocal8Bit(std::strerror(error));
-  }
 }
 
 // QSettings tells only that its write failed. The same write of `size` bytes into a file of
@@ -168,11 +154,11 @@ std::optional<QString> SaveSettings(const std::vector<std::pair<SettingKey, QStr
   const QFileInfo file(settings.fileName());
   if (!file.dir().exists() &&
       ::mkdir(QFile::encodeName(file.absolutePath()).constData(), 0700) != 0) {
-    return reasonFor(errno);
+    return WriteFailureReason(errno);
   }
   // The new file is about as large as the old one, plus the keys that were missing.
   const int error = probeWrite(file.absolutePath(), file.size() + 4096);
-  if (error != 0) return reasonFor(error);
+  if (error != 0) return WriteFailureReason(error);
   return settings.status() == QSettings::FormatError
              ? QStringLiteral("Die Datei hat ein unlesbares Format.")
              : QStringLiteral("Die Datei konnte nicht ersetzt werden.");

@@ -11,6 +11,7 @@
 #include "station/StationLinks.h"
 #include "station/WsjtxLink.h"
 #include "support/ProgramFixture.h"
+#include "support/Typing.h"
 #include "support/Pty.h"
 #include "support/RotctldDaemon.h"
 
@@ -50,16 +51,6 @@ QByteArray rmc(int second, double lon, double lat) {
                             .arg(second, 2, 10, QChar('0'))
                             .arg(minutes(lat, 2), minutes(lon, 3))
                             .toLatin1());
-}
-
-// Types both locators and presses Enter in the remote field, as the user would.
-void computeFrom(frmMain* w, const QString& own, const QString& remote) {
-  w->tbMyLoc->clear();
-  QTest::keyClicks(w->tbMyLoc, own);
-  w->tbFremdLoc->clear();
-  w->tbFremdLoc->setFocus();
-  QTest::keyClicks(w->tbFremdLoc, remote);
-  QTest::keyClick(w->tbFremdLoc, Qt::Key_Return);
 }
 
 }  // namespace
@@ -111,7 +102,7 @@ class tst_StationWindow : public QObject {
     QVERIFY(QTest::qWaitForWindowActive(w));
     QVERIFY(w->Panel6->isVisible());
 
-    computeFrom(w, QStringLiteral("JO62QM"), remote);
+    test::ComputeFrom(w, QStringLiteral("JO62QM"), remote);
     double wanted = QLocale().toDouble(w->lblRichtung->text().remove(u'°').trimmed());
     if (reverse) {
       QTest::keyClick(w, Qt::Key_F3);
@@ -165,7 +156,7 @@ class tst_StationWindow : public QObject {
     frmMain* w = this->start();
     QVERIFY(QTest::qWaitForWindowActive(w));
     QCOMPARE(w->Panel6->isVisible(), rotorOn);
-    if (compute) computeFrom(w, QStringLiteral("JO62QM"), QStringLiteral("JO31NK"));
+    if (compute) test::ComputeFrom(w, QStringLiteral("JO62QM"), QStringLiteral("JO31NK"));
     QCOMPARE(boxes.count(), 0);
     QTest::keyClick(w, Qt::Key_D, Qt::ControlModifier);
     QTRY_COMPARE_WITH_TIMEOUT(boxes.count(), 1, 6000);
@@ -216,7 +207,7 @@ class tst_StationWindow : public QObject {
     QTRY_VERIFY(js8call.hasPendingConnections());
     QTcpSocket* client = js8call.nextPendingConnection();
 
-    computeFrom(w, QStringLiteral("JO62QM53AB"), QStringLiteral("JO31NK"));
+    test::ComputeFrom(w, QStringLiteral("JO62QM53AB"), QStringLiteral("JO31NK"));
     QTRY_VERIFY(wsjtx.hasPendingDatagrams());
     QCOMPARE(wsjtx.receiveDatagram().data().toHex(' '), test::Location(id, "JO62QM").toHex(' '));
     QTRY_VERIFY(client->canReadLine());

@@ -7,6 +7,7 @@
 #include "map/frmKarte.h"
 #include "platform/Settings.h"
 #include "support/ProgramFixture.h"
+#include "support/Typing.h"
 
 #include "locator/CoordsToLocator.h"
 
@@ -33,15 +34,6 @@ using marvento::test::Program;
 Q_DECLARE_METATYPE(marvento::GeoPoint)
 
 namespace {
-
-void computeFrom(frmMain* w, const QString& own, const QString& remote) {
-  w->tbMyLoc->clear();
-  QTest::keyClicks(w->tbMyLoc, own);
-  w->tbFremdLoc->clear();
-  w->tbFremdLoc->setFocus();
-  QTest::keyClicks(w->tbFremdLoc, remote);
-  QTest::keyClick(w->tbFremdLoc, Qt::Key_Return);
-}
 
 // The pointer over a pixel of the map. Sent as an event: QTest drops a move to where the
 // pointer of an earlier window last was.
@@ -108,7 +100,7 @@ class tst_Karte : public QObject {
                  const QString& remote = QStringLiteral("FN42KI")) {
     m_program.emplace();
     frmMain* w = m_program->window();
-    computeFrom(w, own, remote);
+    test::ComputeFrom(w, own, remote);
     w->activateWindow();
     QTest::keyClick(w, Qt::Key_K, Qt::ControlModifier);
     frmKarte* map = mapWindow();
