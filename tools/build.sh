@@ -4,6 +4,7 @@
 # come after the defaults here, e.g. -DMARVENTO_BUILD_BENCH=ON.
 set -e
 cd "$(dirname "$0")/.."
+. tools/ccache.sh
 build="${BUILD_DIR:-build}"
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DMARVENTO_WERROR=ON \
   -DMARVENTO_BUILD_BENCH=OFF "$@" >/dev/null

@@ -2,7 +2,7 @@
 # Installs from Debian's packages what building, running and testing Marvento needs,
 # and nothing when all of it is there already.
 set -e
-packages="cmake ninja-build g++ pkg-config qt6-base-dev qt6-serialport-dev qt6-translations-l10n libgl-dev libgps-dev gpsd
+packages="cmake ninja-build ccache g++ pkg-config qt6-base-dev qt6-serialport-dev qt6-translations-l10n libgl-dev libgps-dev gpsd
   googletest libgtest-dev libbenchmark-dev xvfb xauth clang libclang-rt-14-dev
   poppler-utils appstream desktop-file-utils dpkg-dev file xdotool x11-utils libhamlib-utils
   at-spi2-core python3-pyatspi dbus dbus-x11 openbox

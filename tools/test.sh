@@ -6,6 +6,7 @@
 set -e
 cd "$(dirname "$0")/.."
 sh tools/deps.sh
+. tools/ccache.sh
 sh tools/build.sh -DMARVENTO_BUILD_BENCH=ON
 (cd build && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j "$(nproc)" --timeout 600)
 
