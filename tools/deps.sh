@@ -4,7 +4,8 @@
 set -e
 packages="cmake ninja-build g++ pkg-config qt6-base-dev qt6-serialport-dev qt6-translations-l10n libgl-dev libgps-dev gpsd
   googletest libgtest-dev libbenchmark-dev xvfb xauth clang libclang-rt-14-dev
-  poppler-utils appstream desktop-file-utils dpkg-dev file xdotool x11-utils libhamlib-utils"
+  poppler-utils appstream desktop-file-utils dpkg-dev file xdotool x11-utils libhamlib-utils
+  libgeographiclib-dev geographiclib-tools libhamlib-dev"
 missing=""
 for p in $packages; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"
