@@ -15,6 +15,7 @@ namespace {
 
 constexpr int kFields = 15;
 constexpr qsizetype kKept = 32;  // bytes of a field kept for showing
+constexpr qsizetype kRoom = 16;  // bytes a corrected record may grow by
 
 QByteArrayView trimmed(QByteArrayView v) {
   while (!v.isEmpty() && (v.front() == ' ' || v.front() == '\t' || v.front() == '\r'))
@@ -72,7 +73,7 @@ QString text(QByteArrayView v) {
 
 EdiCheck CheckEdi(QIODevice& in, const EdiProgress& progress) {
   EdiCheck log;
-  LineReader reader(in);
+  LineReader reader(in, progress.lineCap);
   LineReader::Line line;
   Section section = Section::Before;
   bool sawStart = false;
@@ -82,8 +83,6 @@ EdiCheck CheckEdi(QIODevice& in, const EdiProgress& progress) {
   std::vector<QByteArrayView> fields;
   fields.reserve(kFields + 1);
 
-  // Records are checked when the own locator is known, which the header gives first;
-  // records before it (a header written late) wait in this list.
   while (reader.next(line)) {
     log.lines = line.number;
     if (progress.step && reader.position() >= nextStep) {
@@ -136,9 +135,11 @@ EdiCheck CheckEdi(QIODevice& in, const EdiProgress& progress) {
       continue;
     }
     if (section != Section::Records || t.isEmpty()) continue;
-    if (line.cut) {
-      log.malformed.emplace_back(line.number,
-                                 QStringLiteral("Zeile länger als %1 Bytes").arg(line.text.size()));
+    // A record must leave room for the digits of corrected points, or the corrected file
+    // would read differently.
+    if (line.cut || line.text.size() > progress.lineCap - kRoom) {
+      log.malformed.emplace_back(
+          line.number, QStringLiteral("Zeile länger als %1 Bytes").arg(progress.lineCap - kRoom));
       continue;
     }
     fields.clear();
@@ -248,8 +249,9 @@ QByteArray EdiCheck::wantCqsop() const {
 }
 
 QByteArray EdiCheck::wantCwwls() const {
-  const qsizetype cut = cwwls.value.indexOf(';');
-  return QByteArray::number(squares) + (cut >= 0 ? cwwls.value.mid(cut) : QByteArray());
+  // The count is the first part; the rest (bonus and multiplier) stays as written.
+  const qsizetype part = firstPart(cwwls.value).size();
+  return QByteArray::number(squares) + cwwls.value.mid(part);
 }
 
 QByteArray EdiCheck::wantCodxc() const {

@@ -76,6 +76,7 @@ struct EdiCheck {
 struct EdiProgress {
   std::function<void(qint64 done, qint64 total)> step;  // bytes read so far
   const std::atomic_bool* cancel = nullptr;
+  qsizetype lineCap = 1 << 16;  // longer lines keep only their head (a record then is named)
 };
 
 // Reads and checks a log; the device must be open for reading.

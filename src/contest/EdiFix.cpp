@@ -29,27 +29,16 @@ QByteArray withValue(const QByteArray& line, const QByteArray& value) {
   const qsizetype eq = line.indexOf('=');
   if (eq < 0) return line;
   qsizetype end = line.size();
-  while (end > eq + 1 && (line[end - 1] == ' ' || line[end - 1] == '\t')) --end;
+  while (end > eq + 1 && (line[end - 1] == ' ' || line[end - 1] == '\t' || line[end - 1] == '\r'))
+    --end;
   return line.left(eq + 1) + value + line.mid(end);
 }
 
 }  // namespace
 
-QString FixEdi(const QString& inPath, const QString& outPath, const EdiCheck& log,
-               const EdiProgress& progress) {
+QString FixEdi(QIODevice& in, QIODevice& out, const EdiCheck& log, const EdiProgress& progress) {
   if (!log.ok()) return log.error;
-  const QFileInfo inInfo(inPath), outInfo(outPath);
-  if (outInfo.exists() && inInfo.canonicalFilePath() == outInfo.canonicalFilePath())
-    return QStringLiteral(
-        "Das Original bleibt unverändert: bitte einen anderen Dateinamen wählen.");
-  QFile in(inPath);
-  if (!in.open(QIODevice::ReadOnly))
-    return QStringLiteral("%1 lässt sich nicht öffnen: %2").arg(inPath, in.errorString());
-  QSaveFile out(outPath);
-  if (!out.open(QIODevice::WriteOnly))
-    return QStringLiteral("%1 lässt sich nicht anlegen: %2").arg(outPath, out.errorString());
-
-  LineReader reader(in);
+  LineReader reader(in, progress.lineCap);
   reader.setPassThrough([&out](QByteArrayView bytes) { out.write(bytes.data(), bytes.size()); });
   LineReader::Line line;
   size_t next = 0;  // the next record by line number
@@ -60,10 +49,7 @@ QString FixEdi(const QString& inPath, const QString& outPath, const EdiCheck& lo
       progress.step(reader.position(), total);
       nextStep = reader.position() + (1 << 20);
     }
-    if (progress.cancel && progress.cancel->load()) {
-      out.cancelWriting();
-      return QStringLiteral("Abgebrochen.");
-    }
+    if (progress.cancel && progress.cancel->load()) return QStringLiteral("Abgebrochen.");
     if (line.cut) continue;  // already passed through
     QByteArray text = line.text;
     while (next < log.qsos.size() && log.qsos[next].line < line.number) ++next;
@@ -80,9 +66,27 @@ QString FixEdi(const QString& inPath, const QString& outPath, const EdiCheck& lo
     out.write(text);
     out.write(line.eol);
   }
-  if (reader.failed()) {
+  if (reader.failed())
+    return QStringLiteral("Die Datei ließ sich nicht ganz lesen: %1").arg(in.errorString());
+  return {};
+}
+
+QString FixEdi(const QString& inPath, const QString& outPath, const EdiCheck& log,
+               const EdiProgress& progress) {
+  if (!log.ok()) return log.error;
+  const QFileInfo inInfo(inPath), outInfo(outPath);
+  if (outInfo.exists() && inInfo.canonicalFilePath() == outInfo.canonicalFilePath())
+    return QStringLiteral(
+        "Das Original bleibt unverändert: bitte einen anderen Dateinamen wählen.");
+  QFile in(inPath);
+  if (!in.open(QIODevice::ReadOnly))
+    return QStringLiteral("%1 lässt sich nicht öffnen: %2").arg(inPath, in.errorString());
+  QSaveFile out(outPath);
+  if (!out.open(QIODevice::WriteOnly))
+    return QStringLiteral("%1 lässt sich nicht anlegen: %2").arg(outPath, out.errorString());
+  if (const QString error = FixEdi(in, out, log, progress); !error.isEmpty()) {
     out.cancelWriting();
-    return QStringLiteral("%1 ließ sich nicht ganz lesen: %2").arg(inPath, in.errorString());
+    return error;
   }
   if (!out.commit())
     return QStringLiteral("%1 ließ sich nicht schreiben: %2").arg(outPath, out.errorString());
