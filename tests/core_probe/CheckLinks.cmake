@@ -1,3 +1,4 @@
+cmake_minimum_required(VERSION 3.16)
 # Fails when the core's link interface (LINKS, a list) lacks Qt6::Core or names a GUI
 # library: Qt's Gui, Widgets and their kin, or X11, OpenGL and the like.
 if(NOT "Qt6::Core" IN_LIST LINKS)
