@@ -135,11 +135,9 @@ EdiCheck CheckEdi(QIODevice& in, const EdiProgress& progress) {
       continue;
     }
     if (section != Section::Records || t.isEmpty()) continue;
-    // A record must leave room for the digits of corrected points, or the corrected file
-    // would read differently.
-    if (line.cut || line.text.size() > progress.lineCap - kRoom) {
-      log.malformed.emplace_back(
-          line.number, QStringLiteral("Zeile länger als %1 Bytes").arg(progress.lineCap - kRoom));
+    if (line.cut) {
+      log.malformed.emplace_back(line.number,
+                                 QStringLiteral("Zeile länger als %1 Bytes").arg(progress.lineCap));
       continue;
     }
     fields.clear();
@@ -155,6 +153,13 @@ EdiCheck CheckEdi(QIODevice& in, const EdiProgress& progress) {
           line.number, fields.size() > kFields
                            ? QStringLiteral("mehr als %1 Felder").arg(kFields)
                            : QStringLiteral("%1 Felder statt %2").arg(fields.size()).arg(kFields));
+      continue;
+    }
+    // Besides its points a record must leave room for the digits of corrected points, so
+    // that the corrected file reads the same.
+    if (line.text.size() - fields[10].size() > progress.lineCap - kRoom) {
+      log.malformed.emplace_back(
+          line.number, QStringLiteral("Zeile länger als %1 Bytes").arg(progress.lineCap - kRoom));
       continue;
     }
     EdiQso q;
