@@ -56,6 +56,9 @@ class frmMain : public QMainWindow {
   QLabel* lblRichtung = nullptr;
   QLabel* lbInfo = nullptr;
   QLabel* lbKurs = nullptr;
+  // IARU points and the WGS84 path of the last computation.
+  QLabel* lblPunkte = nullptr;
+  QLabel* lblWgs84 = nullptr;
   QFrame* Line1 = nullptr;
   QFrame* Line2 = nullptr;
   QFrame* Line3 = nullptr;
@@ -77,6 +80,8 @@ class frmMain : public QMainWindow {
   QAction* mnuGegenRichtung = nullptr;
   QAction* mnuGPS_Höhe = nullptr;
   QAction* mnuRotor = nullptr;
+  QAction* mnuContestLog = nullptr;
+  QAction* mnuAdif = nullptr;
   QAction* mnuGrundeinstellungen = nullptr;
   QAction* mnuProtokoll = nullptr;
   QAction* mnuBeenden = nullptr;

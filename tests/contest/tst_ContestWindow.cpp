@@ -1,0 +1,116 @@
+// The contest figures in the real main window, and the log window with a real log.
+#include "app/frmMain.h"
+#include "contest/ContestLogModel.h"
+#include "contest/EdiCheck.h"
+#include "contest/frmContestLog.h"
+#include "platform/MsgBoxRecorder.h"
+#include "support/ProgramFixture.h"
+
+#include <QAbstractItemModel>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QSignalSpy>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <optional>
+
+using namespace marvento;
+using marvento::test::IsolatedUser;
+using marvento::test::Program;
+
+class tst_ContestWindow : public QObject {
+  Q_OBJECT
+
+  std::optional<IsolatedUser> m_user;
+  std::optional<Program> m_program;
+
+ private slots:
+  void initTestCase() { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }
+  void init() { m_user.emplace(); }
+  void cleanup() {
+    m_program.reset();
+    m_user.reset();
+  }
+
+  // JO62QM to JN58TD: 503 points (502.31 km on the rule's sphere); on WGS84 502.311 km at
+  // 195.04° (GeodSolve for the square centres).
+  void figuresFollowTheResults() {
+    m_program.emplace();
+    frmMain* w = m_program->window();
+    MsgBoxRecorder boxes;
+    QVERIFY(w->lblPunkte && w->lblWgs84);
+    QVERIFY(w->lblPunkte->isVisibleTo(w) && w->lblWgs84->isVisibleTo(w));
+    QVERIFY(w->lblPunkte->text().isEmpty());
+    w->tbMyLoc->setText(QStringLiteral("JO62QM"));
+    w->tbFremdLoc->setText(QStringLiteral("JN58TD"));
+    w->Compute();
+    QCOMPARE(w->lblPunkte->text(), QStringLiteral("QSO-Punkte (IARU): 503"));
+    QCOMPARE(w->lblWgs84->text(), QStringLiteral("WGS84: 502,311 km, Richtung 195,04°"));
+    // Longer locators count by their 6-character squares.
+    w->tbFremdLoc->setText(QStringLiteral("JN58TD12AB"));
+    w->Compute();
+    QCOMPARE(w->lblPunkte->text(), QStringLiteral("QSO-Punkte (IARU): 503"));
+    w->tbFremdLoc->setText(QStringLiteral("JN58TD"));
+    w->Compute();
+    w->mnuGegenRichtung_Click();
+    QCOMPARE(w->lblWgs84->text(), QStringLiteral("WGS84: 502,311 km, Gegenrichtung 15,04°"));
+    QCOMPARE(w->lblPunkte->text(), QStringLiteral("QSO-Punkte (IARU): 503"));
+    w->mnuNeu_Click();
+    QVERIFY(w->lblEntfernung->text().isEmpty());
+    QVERIFY(w->lblPunkte->text().isEmpty());
+    QVERIFY(w->lblWgs84->text().isEmpty());
+    // Both lie inside the window, below the results.
+    QVERIFY(w->lblWgs84->geometry().bottom() < w->lblWgs84->parentWidget()->height());
+    QVERIFY(w->lblPunkte->mapTo(w, QPoint()).y() > w->lblEntfernung->mapTo(w, QPoint()).y());
+  }
+
+  void menuHoldsTheCommands() {
+    m_program.emplace();
+    frmMain* w = m_program->window();
+    QVERIFY(w->mnuContestLog && w->mnuAdif);
+    QVERIFY(w->mnuAktion->actions().contains(w->mnuContestLog));
+    QVERIFY(w->mnuAktion->actions().contains(w->mnuAdif));
+    QCOMPARE(w->mnuContestLog->text(), QStringLiteral("&Contest-Log prüfen…"));
+  }
+
+  // The log is read in the background, sorted by difference, and saved corrected.
+  void logWindowChecksAndCorrects() {
+    m_program.emplace();
+    auto* window = new frmContestLog(m_program->window());
+    QSignalSpy loaded(window, &frmContestLog::loaded);
+    window->show();
+    window->open(QStringLiteral(MARVENTO_CONTEST_DATA "/differences.edi"));
+    QVERIFY(loaded.wait(10000));
+    QVERIFY(window->log() && window->log()->ok());
+    QAbstractItemModel* model = window->table()->model();
+    QCOMPARE(model->rowCount(), 10);
+    QCOMPARE(model->columnCount(), int(ContestLogModel::ColumnCount));
+    window->table()->sortByColumn(ContestLogModel::Difference, Qt::DescendingOrder);
+    // Largest claim over the rule first: the duplicate that claims 242.
+    QCOMPARE(model->index(0, ContestLogModel::Call).data().toString(), QStringLiteral("DL0GTH"));
+    QCOMPARE(model->index(0, ContestLogModel::Difference).data().toInt(), 242);
+    QVERIFY(model->index(0, ContestLogModel::Call).data(Qt::BackgroundRole).isValid());
+    window->table()->sortByColumn(ContestLogModel::Difference, Qt::AscendingOrder);
+    QCOMPARE(model->index(0, ContestLogModel::Difference).data().toInt(), -1);
+    QVERIFY(!model->index(9, ContestLogModel::Call).data(Qt::BackgroundRole).isValid() ||
+            model->index(9, ContestLogModel::Difference).data().toInt() != 0);
+    auto* summary = window->findChild<QPlainTextEdit*>(QStringLiteral("txtSummary"));
+    QVERIFY(summary && summary->toPlainText().contains(QStringLiteral("nachgerechnet 2921")));
+
+    QTemporaryDir dir;
+    const QString out = dir.filePath(QStringLiteral("fixed.edi"));
+    QSignalSpy saved(window, &frmContestLog::saved);
+    window->saveCorrected(out);
+    QVERIFY(saved.wait(10000));
+    QVERIFY(saved.last().at(0).toString().isEmpty());
+    QVERIFY(CheckEdiFile(out).allHold());
+    window->close();
+  }
+};
+
+QTEST_MAIN(tst_ContestWindow)
+#include "tst_ContestWindow.moc"
