@@ -47,8 +47,11 @@ qsizetype addedField(QByteArrayView v) {
     if (v.size() < n || qstrnicmp(v.data(), n, name, n) != 0) continue;
     const qsizetype gt = v.indexOf('>');
     if (gt < 0) return 0;
-    bool ok = false;
-    const int len = v.sliced(n, gt - n).toByteArray().toInt(&ok);
+    // Digits only: toInt() would stop at a NUL byte and take what came before.
+    const QByteArrayView digits = v.sliced(n, gt - n);
+    bool ok = !digits.isEmpty() && digits.size() < 6;
+    for (char c : digits) ok = ok && c >= '0' && c <= '9';
+    const int len = ok ? digits.toByteArray().toInt() : 0;
     if (!ok || gt + 1 + len + 1 > v.size() || v[gt + 1 + len] != ' ') return 0;
     return gt + 1 + len + 1;
   }

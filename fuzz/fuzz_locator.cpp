@@ -32,7 +32,8 @@ void checkDecode(const QString& text) {
     // The centre of a subsquare encodes to the same subsquare in both forms.
     Check(ten.startsWith(head), "a subsquare's centre encodes to its locator", trip);
     const QString six = CoordsToLocator6(d.Lg, d.Br);
-    Check(six == head, "a 6-character locator survives the round trip", head + QStringLiteral(" -> ") + six);
+    Check(six == head, "a 6-character locator survives the round trip",
+          head + QStringLiteral(" -> ") + six);
     return;
   }
   // A south-west corner may lie a hair below its cell edges, as the decoding's sums leave
@@ -59,7 +60,8 @@ void checkEncode(double lg, double br) {
             br < d10.Br + kCellBr + 1e-9,
         "the point lies in its cell", where + u' ' + num(d10.Lg) + u' ' + num(d10.Br));
   // The 6-character form first drops the position to hundredths of a degree.
-  Check(std::fabs(d6.Lg - lg) <= 1.0 / 24 + 0.01 + 1e-9 && std::fabs(d6.Br - br) <= 1.0 / 48 + 0.01 + 1e-9,
+  Check(std::fabs(d6.Lg - lg) <= 1.0 / 24 + 0.01 + 1e-9 &&
+            std::fabs(d6.Br - br) <= 1.0 / 48 + 0.01 + 1e-9,
         "the point lies near the centre of its subsquare", where);
 }
 

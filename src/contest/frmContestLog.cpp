@@ -119,7 +119,7 @@ void frmContestLog::cancel() {
   m_stop = true;
 }
 
-void frmContestLog::open(const QString& path) {
+void frmContestLog::openLog(const QString& path) {
   if (m_worker) return;
   m_path = path;
   m_status->setText(QStringLiteral("Lese %1 …").arg(QFileInfo(path).fileName()));
@@ -149,7 +149,7 @@ void frmContestLog::chooseAndOpen() {
   const QString path =
       QFileDialog::getOpenFileName(this, QStringLiteral("EDI-Log öffnen"), QFileInfo(m_path).path(),
                                    QStringLiteral("EDI-Logs (*.edi *.EDI);;Alle Dateien (*)"));
-  if (!path.isEmpty()) open(path);
+  if (!path.isEmpty()) openLog(path);
 }
 
 void frmContestLog::saveCorrected(const QString& path) {

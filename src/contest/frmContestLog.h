@@ -30,7 +30,7 @@ class frmContestLog : public QDialog {
   ~frmContestLog() override;
 
   // Reads and checks the file in the background; the window stays usable.
-  void open(const QString& path);
+  void openLog(const QString& path);
   // Asks for a file and opens it.
   void chooseAndOpen();
   bool busy() const { return m_worker != nullptr; }

@@ -83,7 +83,7 @@ class tst_ContestWindow : public QObject {
     auto* window = new frmContestLog(m_program->window());
     QSignalSpy loaded(window, &frmContestLog::loaded);
     window->show();
-    window->open(QStringLiteral(MARVENTO_CONTEST_DATA "/differences.edi"));
+    window->openLog(QStringLiteral(MARVENTO_CONTEST_DATA "/differences.edi"));
     QVERIFY(loaded.wait(10000));
     QVERIFY(window->log() && window->log()->ok());
     QAbstractItemModel* model = window->table()->model();
