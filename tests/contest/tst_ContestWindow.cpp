@@ -7,6 +7,8 @@
 #include "support/ProgramFixture.h"
 
 #include <QAbstractItemModel>
+#include <QElapsedTimer>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -14,6 +16,7 @@
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QtTest>
 
 #include <optional>
@@ -108,6 +111,41 @@ class tst_ContestWindow : public QObject {
     QVERIFY(saved.wait(10000));
     QVERIFY(saved.last().at(0).toString().isEmpty());
     QVERIFY(CheckEdiFile(out).allHold());
+    window->close();
+  }
+
+  // A large log (200,000 QSOs, 12 MB) is read while the window keeps answering: a 10-ms
+  // timer never waits long.
+  void largeLogKeepsTheWindowAnswering() {
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("large.edi"));
+    {
+      QFile f(path);
+      QVERIFY(f.open(QIODevice::WriteOnly));
+      f.write("[REG1TEST;1]\r\nPWWLo=JO62QM\r\n[QSORecords;200000]\r\n");
+      for (int i = 0; i < 200000; ++i)
+        f.write("261024;1400;DL" + QByteArray::number(i) + "X;1;59;001;59;001;;JO" +
+                QByteArray::number(50 + i % 30) + "AB;" + QByteArray::number(i % 700) + ";;;;\r\n");
+    }
+    m_program.emplace();
+    auto* window = new frmContestLog(m_program->window());
+    QSignalSpy loaded(window, &frmContestLog::loaded);
+    window->show();
+    QElapsedTimer clock;
+    qint64 last = 0, longest = 0;
+    QTimer tick;
+    connect(&tick, &QTimer::timeout, this, [&] {
+      longest = std::max(longest, clock.elapsed() - last);
+      last = clock.elapsed();
+    });
+    clock.start();
+    tick.start(10);
+    window->openLog(path);
+    QVERIFY(window->busy());
+    QVERIFY(loaded.wait(60000));
+    tick.stop();
+    QCOMPARE(window->table()->model()->rowCount(), 200000);
+    QVERIFY2(longest < 500, qPrintable(QString::number(longest)));
     window->close();
   }
 };
