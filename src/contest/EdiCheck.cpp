@@ -320,6 +320,10 @@ QStringList EdiCheck::report(int listLimit) const {
   out << QStringLiteral("Punkte: beansprucht %1, nachgerechnet %2")
              .arg(claimedTotal)
              .arg(pointsTotal);
+  if (cqsos.line)
+    out << QStringLiteral("CQSOs im Kopf: %1 (QSOs mit Punkten: %2)")
+               .arg(text(cqsos.value))
+               .arg(static_cast<qint64>(qsos.size()) - duplicates - badLocators);
   if (cqsop.line)
     out << QStringLiteral("CQSOP im Kopf: %1 – %2")
                .arg(text(cqsop.value), cqsopHolds()
