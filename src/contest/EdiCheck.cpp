@@ -14,7 +14,6 @@ namespace marvento {
 namespace {
 
 constexpr int kFields = 15;
-constexpr qsizetype kKept = 32;  // bytes of a field kept for showing
 constexpr qsizetype kRoom = 16;  // bytes a corrected record may grow by
 
 QByteArrayView trimmed(QByteArrayView v) {
@@ -49,8 +48,8 @@ QByteArrayView firstPart(QByteArrayView v) {
   return v;
 }
 
-QByteArray kept(QByteArrayView v) {
-  return trimmed(v).first(std::min<qsizetype>(trimmed(v).size(), kKept)).toByteArray();
+QByteArrayView kept(QByteArrayView v) {
+  return trimmed(v);
 }
 
 double bearingOnSphere(const ContestSquare& a, const ContestSquare& b) {
@@ -262,7 +261,8 @@ QByteArray EdiCheck::wantCwwls() const {
 QByteArray EdiCheck::wantCodxc() const {
   if (odx < 0) return codxc.value;
   const EdiQso& q = qsos[odx];
-  return q.call + ';' + q.locator.left(6).toUpper() + ';' + QByteArray::number(q.points);
+  return q.call.toByteArray() + ';' + q.locator.toByteArray().left(6).toUpper() + ';' +
+         QByteArray::number(q.points);
 }
 
 bool EdiCheck::cqsopHolds() const {

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <optional>
@@ -14,15 +15,35 @@
 
 namespace marvento {
 
+// A short field of a record kept in place, without a heap block of its own: a log of a
+// million QSOs then holds about 100 bytes for each.
+template <int N>
+struct ShortText {
+  char bytes[N] = {};
+  quint8 count = 0;
+  ShortText& operator=(QByteArrayView v) {
+    count = static_cast<quint8>(std::min<qsizetype>(v.size(), N));
+    std::copy_n(v.data(), count, bytes);
+    return *this;
+  }
+  operator QByteArrayView() const { return QByteArrayView(bytes, count); }
+  const char* constData() const { return bytes; }
+  qsizetype size() const { return count; }
+  QByteArray toByteArray() const { return QByteArray(bytes, count); }
+};
+
 // One QSO record of an EDI log as checked against the IARU rule.
 struct EdiQso {
   enum Kind : quint8 { Exact, OffByOne, Larger, BadLocator, Duplicate };
   qint64 line = 0;
-  QByteArray date, time, call, locator;  // as written (at most 32 bytes each)
-  std::optional<int> claimed;            // unset when the field holds no number
-  int points = 0;                        // by the rule; 0 for a duplicate or a bad locator
-  float km = 0;                          // on the rule's sphere
-  float bearing = 0;                     // from the own square's centre, on the sphere
+  // As written, trimmed; longer texts keep their head.
+  ShortText<8> date, time;
+  ShortText<24> call;
+  ShortText<12> locator;
+  std::optional<int> claimed;  // unset when the field holds no number
+  int points = 0;              // by the rule; 0 for a duplicate or a bad locator
+  float km = 0;                // on the rule's sphere
+  float bearing = 0;           // from the own square's centre, on the sphere
   Kind kind = Exact;
   bool duplicate = false;
   bool holds() const { return claimed && *claimed == points; }
