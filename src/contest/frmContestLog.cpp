@@ -17,6 +17,8 @@
 #include <QThread>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace marvento {
 
 namespace {
@@ -107,6 +109,8 @@ void frmContestLog::start(std::function<void()> work) {
     m_cancel->hide();
     m_open->setEnabled(true);
     m_save->setEnabled(m_log && m_log->ok());
+    // Told only now, so that whoever hears it finds the window ready for the next step.
+    if (m_then) std::exchange(m_then, nullptr)();
   });
   m_worker->start(QThread::LowPriority);
 }
@@ -123,6 +127,7 @@ void frmContestLog::openLog(const QString& path) {
   if (m_worker) return;
   m_path = path;
   m_status->setText(QStringLiteral("Lese %1 …").arg(QFileInfo(path).fileName()));
+  m_then = [this] { emit loaded(); };
   start([this, path] {
     EdiProgress p;
     p.cancel = &m_stop;
@@ -142,7 +147,6 @@ void frmContestLog::showLog(std::shared_ptr<EdiCheck> log) {
   m_summary->setPlainText(log->report(kListedRows).join(u'\n'));
   m_status->setText(log->ok() ? QFileInfo(m_path).fileName() : QString());
   m_save->setEnabled(log->ok() && !m_worker);
-  emit loaded();
 }
 
 void frmContestLog::chooseAndOpen() {
@@ -170,7 +174,7 @@ void frmContestLog::saveCorrected(const QString& path) {
         [this, error, path] {
           m_status->setText(error.isEmpty() ? QStringLiteral("Korrigiert gespeichert: %1").arg(path)
                                             : error);
-          emit saved(error);
+          m_then = [this, error] { emit saved(error); };
         },
         Qt::QueuedConnection);
   });

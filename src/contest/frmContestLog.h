@@ -29,7 +29,8 @@ class frmContestLog : public QDialog {
   explicit frmContestLog(QWidget* parent = nullptr);
   ~frmContestLog() override;
 
-  // Reads and checks the file in the background; the window stays usable.
+  // Reads and checks the file in the background; the window stays usable. loaded() tells
+  // when it is done.
   void openLog(const QString& path);
   // Asks for a file and opens it.
   void chooseAndOpen();
@@ -37,7 +38,7 @@ class frmContestLog : public QDialog {
   const EdiCheck* log() const;
   QTableView* table() const { return m_table; }
 
-  // Writes the corrected log to path in the background; the result arrives as finished().
+  // Writes the corrected log to path in the background; the result arrives as saved().
   void saveCorrected(const QString& path);
 
  signals:
@@ -64,6 +65,7 @@ class frmContestLog : public QDialog {
   QThread* m_worker = nullptr;
   std::atomic_bool m_stop{false};
   std::shared_ptr<EdiCheck> m_log;
+  std::function<void()> m_then;  // what to tell when the background work has ended
 };
 
 }  // namespace marvento
