@@ -36,9 +36,13 @@ T Input::take() {
   return value;
 }
 
-double Input::number() { return take<double>(); }
+double Input::number() {
+  return take<double>();
+}
 
-float Input::single() { return take<float>(); }
+float Input::single() {
+  return take<float>();
+}
 
 QString Input::restLatin1() const {
   return QString::fromLatin1(reinterpret_cast<const char*>(m_data), static_cast<qsizetype>(m_size));

@@ -27,8 +27,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Check(!read.prompt.isEmpty(), "a refusal has a message", shown);
     return 0;
   }
-  Check(std::isfinite(read.Lg) && std::fabs(read.Lg) < 180, "an accepted longitude is in range", shown);
-  Check(std::isfinite(read.Br) && std::fabs(read.Br) < 90, "an accepted latitude is in range", shown);
+  Check(std::isfinite(read.Lg) && std::fabs(read.Lg) < 180, "an accepted longitude is in range",
+        shown);
+  Check(std::isfinite(read.Br) && std::fabs(read.Br) < 90, "an accepted latitude is in range",
+        shown);
 
   // What the program writes back into the fields for an accepted position reads again as
   // the same position. Right at the limits the written text may round onto the limit.
@@ -37,7 +39,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::optional<QString> brText = CoordinateText(read.Br, gradDezimal);
   Check(lgText && brText, "a position in range has a field text", shown);
   const CoordinateRead again = ParseCoordinates(*lgText, *brText, gradDezimal);
-  const QString written = shown + QStringLiteral(" -> ") + *lgText + QStringLiteral(" | ") + *brText;
+  const QString written =
+      shown + QStringLiteral(" -> ") + *lgText + QStringLiteral(" | ") + *brText;
   Check(again.ok, "the written field text is accepted", written);
   Check(std::fabs(again.Lg - read.Lg) < 1e-6 && std::fabs(again.Br - read.Br) < 1e-6,
         "the written field text keeps the position", written);

@@ -32,7 +32,8 @@ void checkDecode(const QString& text) {
     // The centre of a subsquare encodes to the same subsquare in both forms.
     Check(ten.startsWith(head), "a subsquare's centre encodes to its locator", trip);
     const QString six = CoordsToLocator6(d.Lg, d.Br);
-    Check(six == head, "a 6-character locator survives the round trip", head + QStringLiteral(" -> ") + six);
+    Check(six == head, "a 6-character locator survives the round trip",
+          head + QStringLiteral(" -> ") + six);
     return;
   }
   // A south-west corner may lie a hair below its cell edges, as the decoding's sums leave

@@ -12,9 +12,8 @@ namespace {
 
 // Every pattern the program formats with, and the general form.
 constexpr const char16_t* kPatterns[] = {
-    u"",         u"###",      u"######",   u"###0.0######", u"###0.0##",
-    u"##0.0#",   u"#0",       u"#0.0##",   u"##0",          u"00",
-    u"0.00",     u"0.0",      u"####0.0#", u"###0.0#",      u"######0.00###"};
+    u"",    u"###", u"######", u"###0.0######", u"###0.0##", u"##0.0#",  u"#0",           u"#0.0##",
+    u"##0", u"00",  u"0.00",   u"0.0",          u"####0.0#", u"###0.0#", u"######0.00###"};
 
 int decimals(QStringView pattern) {
   const qsizetype point = pattern.indexOf(u'.');
@@ -30,7 +29,8 @@ QString describe(double value, QStringView pattern, const QString& text) {
 // (or the significant digits of the general form) and the digits the type holds.
 void checkFormat(double value, QStringView pattern, const QString& text, double relative) {
   const bool hasZero = pattern.contains(u'0');
-  if (pattern.isEmpty() || hasZero) Check(!text.isEmpty(), "Format gives a text", describe(value, pattern, text));
+  if (pattern.isEmpty() || hasZero)
+    Check(!text.isEmpty(), "Format gives a text", describe(value, pattern, text));
   if (!std::isfinite(value)) return;
   if (hasZero) {
     bool digit = false;
@@ -52,11 +52,15 @@ void checkConversions(double value) {
   const double rounded = RoundHalfEven(value);
   if (i16) Check(*i16 == rounded, "ToInt16 rounds half to even", QString::number(value, 'g', 17));
   if (i32) Check(*i32 == rounded, "ToInt32 rounds half to even", QString::number(value, 'g', 17));
-  if (std::isfinite(value) && std::fabs(value) < 32767) Check(i16.has_value(), "ToInt16 takes a small value");
-  if (std::isfinite(value) && std::fabs(value) < 2147483647) Check(i32.has_value(), "ToInt32 takes a value in range");
+  if (std::isfinite(value) && std::fabs(value) < 32767)
+    Check(i16.has_value(), "ToInt16 takes a small value");
+  if (std::isfinite(value) && std::fabs(value) < 2147483647)
+    Check(i32.has_value(), "ToInt32 takes a value in range");
   if (std::isfinite(value)) {
-    Check(Int(value) <= value && value - Int(value) <= 1, "Int rounds down", QString::number(value, 'g', 17));
-    Check(std::fabs(Fix(value)) <= std::fabs(value), "Fix goes toward zero", QString::number(value, 'g', 17));
+    Check(Int(value) <= value && value - Int(value) <= 1, "Int rounds down",
+          QString::number(value, 'g', 17));
+    Check(std::fabs(Fix(value)) <= std::fabs(value), "Fix goes toward zero",
+          QString::number(value, 'g', 17));
   }
 }
 

@@ -8,7 +8,7 @@ packages="cmake ninja-build ccache g++ pkg-config qt6-base-dev qt6-serialport-de
   at-spi2-core python3-pyatspi dbus dbus-x11 openbox
   lintian man-db groff-base binutils gzip
   qt6-speech-dev qt6-declarative-dev qt6-speech-speechd-plugin speech-dispatcher speech-dispatcher-espeak-ng
-  espeak-ng gpsbabel libgeographiclib-dev"
+  espeak-ng gpsbabel libgeographiclib-dev geographiclib-tools libhamlib-dev"
 missing=""
 for p in $packages; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"

@@ -6,6 +6,9 @@
 #include "app/InstanceGuard.h"
 #include "app/MainAccess.h"
 #include "app/SettingsStore.h"
+#include "contest/AdifCommand.h"
+#include "contest/ContestFigures.h"
+#include "contest/frmContestLog.h"
 #include "distance/ComputeCommand.h"
 #include "distance/Coordinates.h"
 #include "distance/GreatCircle.h"
@@ -125,6 +128,8 @@ frmMain::frmMain(Module1& state, QWidget* parent)
   buildStatusBar();
   fitWidth();
   setFixedSize(sizeHint());
+  auto* figures = new ContestFigures(lblPunkte, lblWgs84, this);
+  connect(this, &frmMain::computed, figures, &ContestFigures::show);
 
   const ComputeFields fields{tbMyLoc,   tbFremdLoc,    tbMyLg,      tbMyBr, tbFremdLg,
                              tbFremdBr, lblEntfernung, lblRichtung, Combo1};
@@ -346,7 +351,18 @@ void frmMain::buildControls() {
   lbInfo->setWordWrap(true);
   lbKurs = infoLine("lbKurs", QStringLiteral("Kurs"), lbInfo->geometry().bottom() + 1, 1);
   lbFeldrand = infoLine("lbFeldrand", QString(), lbKurs->geometry().bottom() + 1, 1);
-  client->setFixedSize(clientWidth, lbFeldrand->geometry().bottom() + 1 + TwipsToPx(90));
+  // The contest figures under the results, filled by ContestFigures.
+  auto contestLine = [&](const char* name, int top) {
+    auto* l = new QLabel(client);
+    l->setObjectName(QString::fromLatin1(name));
+    l->setAlignment(Qt::AlignCenter);
+    l->setGeometry(0, top, clientWidth,
+                   std::max(TwipsToPx(kLabelHeight), l->fontMetrics().lineSpacing() + 2));
+    return l;
+  };
+  lblPunkte = contestLine("lblPunkte", lbFeldrand->geometry().bottom() + 1);
+  lblWgs84 = contestLine("lblWgs84", lblPunkte->geometry().bottom() + 1);
+  client->setFixedSize(clientWidth, lblWgs84->geometry().bottom() + 1 + TwipsToPx(90));
 
   Label4->setBuddy(tbMyLoc);
   Label1->setBuddy(tbFremdLoc);
@@ -388,6 +404,17 @@ void frmMain::buildMenus() {
                     QKeySequence(Qt::CTRL | Qt::Key_D), &frmMain::mnuRotor_Click);
   mnuKarte = action(mnuAktion, "mnuKarte", QStringLiteral("&Karte"),
                     QKeySequence(Qt::CTRL | Qt::Key_K), &frmMain::mnuKarte_Click);
+  mnuContestLog = mnuAktion->addAction(QStringLiteral("&Contest-Log prüfen…"));
+  mnuContestLog->setObjectName(QStringLiteral("mnuContestLog"));
+  connect(mnuContestLog, &QAction::triggered, this, [this] {
+    auto* log = new frmContestLog(this);
+    log->show();
+    log->chooseAndOpen();
+  });
+  mnuAdif = mnuAktion->addAction(QStringLiteral("ADIF &ergänzen…"));
+  mnuAdif->setObjectName(QStringLiteral("mnuAdif"));
+  connect(mnuAdif, &QAction::triggered, this,
+          [this] { CompleteAdifInteractive(this, m_state.MyHomeLoc); });
   separator(mnuAktion, "mnuSep3");
   mnuGrundeinstellungen =
       action(mnuAktion, "mnuGrundeinstellungen", QStringLiteral("&Grundeinstellungen"),

@@ -59,6 +59,9 @@ class frmMain : public QMainWindow {
   QLabel* lbKurs = nullptr;
   // The square boundary ahead on the road, or that reception is lost.
   QLabel* lbFeldrand = nullptr;
+  // IARU points and the WGS84 path of the last computation.
+  QLabel* lblPunkte = nullptr;
+  QLabel* lblWgs84 = nullptr;
   QFrame* Line1 = nullptr;
   QFrame* Line2 = nullptr;
   QFrame* Line3 = nullptr;
@@ -81,6 +84,8 @@ class frmMain : public QMainWindow {
   QAction* mnuGPS_Höhe = nullptr;
   QAction* mnuRotor = nullptr;
   QAction* mnuKarte = nullptr;
+  QAction* mnuContestLog = nullptr;
+  QAction* mnuAdif = nullptr;
   QAction* mnuGrundeinstellungen = nullptr;
   QAction* mnuProtokoll = nullptr;
   QAction* mnuStrecke = nullptr;

@@ -1,0 +1,120 @@
+// The ADIF completion: DISTANCE and ANT_AZ added, nothing else touched.
+#include "FuzzSupport.h"
+#include "contest/AdifComplete.h"
+
+#include <QBuffer>
+
+using namespace marvento;
+using marvento::fuzz::Check;
+
+namespace {
+
+// At most a few bytes per read, so that tags and data fall across the pieces.
+class Trickle : public QIODevice {
+ public:
+  Trickle(const QByteArray& bytes, std::uint8_t seed) : m_bytes(bytes), m_seed(seed | 1) {
+    open(QIODevice::ReadOnly);
+  }
+  bool isSequential() const override { return true; }
+
+ protected:
+  qint64 readData(char* data, qint64 max) override {
+    m_seed = static_cast<std::uint8_t>(m_seed * 37 + 11);
+    const qint64 n = std::min<qint64>({max, m_bytes.size() - m_pos, 1 + m_seed % 13});
+    std::memcpy(data, m_bytes.constData() + m_pos, n);
+    m_pos += n;
+    return n;
+  }
+  qint64 writeData(const char*, qint64) override { return -1; }
+
+ private:
+  QByteArray m_bytes;
+  qint64 m_pos = 0;
+  std::uint8_t m_seed;
+};
+
+QByteArray complete(QIODevice& in, const AdifOptions& options, AdifResult& result) {
+  QBuffer out;
+  out.open(QIODevice::WriteOnly);
+  result = CompleteAdif(in, out, options);
+  return out.data();
+}
+
+// Length of an added field "<DISTANCE:n>data " (either case) at the front of v, or 0.
+qsizetype addedField(QByteArrayView v) {
+  for (const char* name : {"<distance:", "<ant_az:"}) {
+    const qsizetype n = static_cast<qsizetype>(std::strlen(name));
+    if (v.size() < n || qstrnicmp(v.data(), n, name, n) != 0) continue;
+    const qsizetype gt = v.indexOf('>');
+    if (gt < 0) return 0;
+    // Digits only: toInt() would stop at a NUL byte and take what came before.
+    const QByteArrayView digits = v.sliced(n, gt - n);
+    bool ok = !digits.isEmpty() && digits.size() < 6;
+    for (char c : digits) ok = ok && c >= '0' && c <= '9';
+    const int len = ok ? digits.toByteArray().toInt() : 0;
+    if (!ok || gt + 1 + len + 1 > v.size() || v[gt + 1 + len] != ' ') return 0;
+    return gt + 1 + len + 1;
+  }
+  return 0;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size < 1) return 0;
+  const QByteArray bytes(reinterpret_cast<const char*>(data) + 1, static_cast<qsizetype>(size - 1));
+  AdifOptions options;
+  if (data[0] & 1) options.locator = QStringLiteral("JO62QM");
+
+  QBuffer in;
+  in.setData(bytes);
+  in.open(QIODevice::ReadOnly);
+  AdifResult r1;
+  const QByteArray out = complete(in, options, r1);
+  Check(r1.ok(), "a readable stream is completed", r1.error);
+  Check(r1.completed + r1.kept + r1.noGrid + r1.noOwn + r1.tooLong >= r1.records,
+        "every record is accounted for");
+
+  Trickle pieces(bytes, data[0]);
+  AdifResult r2;
+  Check(complete(pieces, options, r2) == out && r2.records == r1.records,
+        "reading in pieces changes nothing");
+
+  // The output is the input with whole added fields between its bytes.
+  qsizetype i = 0, o = 0, added = 0;
+  while (i < bytes.size() || o < out.size()) {
+    const qsizetype field = o < out.size() ? addedField(QByteArrayView(out).sliced(o)) : 0;
+    const bool inInput = field > 0 && QByteArrayView(bytes).sliced(i).startsWith(
+                                          QByteArrayView(out).sliced(o, field));
+    if (i < bytes.size() && o < out.size() && bytes[i] == out[o] && (field == 0 || inInput)) {
+      ++i;
+      ++o;
+      continue;
+    }
+    const qsizetype n = field;
+    Check(n > 0, "only whole DISTANCE and ANT_AZ fields are added",
+          QString::fromLatin1(out.mid(o, 40)));
+    o += n;
+    ++added;
+  }
+  Check(added <= 2 * r1.completed, "at most two fields per completed record");
+
+  // A second run finds nothing left to add.
+  QBuffer second;
+  second.setData(out);
+  second.open(QIODevice::ReadOnly);
+  AdifResult r3;
+  Check(complete(second, options, r3) == out, "completing twice adds nothing more");
+
+  // Replacing rewrites the fields in place: a second run with it changes nothing more.
+  options.replace = true;
+  in.seek(0);
+  AdifResult r4;
+  const QByteArray replaced = complete(in, options, r4);
+  QBuffer third;
+  third.setData(replaced);
+  third.open(QIODevice::ReadOnly);
+  AdifResult r5;
+  Check(complete(third, options, r5) == replaced, "replacing twice gives the same file");
+  return 0;
+}
