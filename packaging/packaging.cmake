@@ -1,13 +1,11 @@
 # Installation: the program and its manual share one folder, which the program takes as its
 # own; bin/ holds a link to it.
 
-install(TARGETS marvento marvento-log RUNTIME DESTINATION ${MARVENTO_APP_DIR})
+install(TARGETS marvento RUNTIME DESTINATION ${MARVENTO_APP_DIR})
 install(CODE "
   file(MAKE_DIRECTORY \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}\")
   file(CREATE_LINK ../${MARVENTO_APP_DIR}/marvento
        \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/marvento\" SYMBOLIC)
-  file(CREATE_LINK ../${MARVENTO_APP_DIR}/marvento-log
-       \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/marvento-log\" SYMBOLIC)
 ")
 
 set(MARVENTO_PACKAGING_DIR ${CMAKE_CURRENT_LIST_DIR})

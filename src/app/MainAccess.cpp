@@ -33,6 +33,11 @@ void SetMainAccessibleTexts(QWidget* window) {
            QStringLiteral("zur Gegenstation, in Grad von Nord über Ost")},
           {"lbInfo", QString(), QStringLiteral("Infozeile: Meldungen des GPS-Empfangs")},
           {"lbKurs", QString(), QStringLiteral("Kurszeile: Geschwindigkeit und Kurs über Grund")},
+          {"lblPunkte", QString(),
+           QStringLiteral("QSO-Punkte nach der IARU-Regel aus den Mittelpunkten der beiden "
+                          "6-stelligen Felder")},
+          {"lblWgs84", QString(),
+           QStringLiteral("Entfernung und Richtung auf dem WGS84-Ellipsoid")},
           {"lbFeldrand", QString(),
            QStringLiteral("Feldrandzeile: nächstes Feld in Fahrtrichtung und sein Abstand")},
           {"tbToolBar", QStringLiteral("Werkzeugleiste"), QString()},

@@ -2,6 +2,7 @@
 
 #include "contest/ContestLogModel.h"
 #include "contest/EdiFix.h"
+#include "platform/AccessibleTexts.h"
 
 #include <QDialogButtonBox>
 #include <QFileDialog>
@@ -69,6 +70,19 @@ frmContestLog::frmContestLog(QWidget* parent) : QDialog(parent) {
   connect(m_save, &QPushButton::clicked, this, &frmContestLog::chooseAndSave);
   connect(m_cancel, &QPushButton::clicked, this, &frmContestLog::cancel);
   connect(close, &QPushButton::clicked, this, &QDialog::close);
+  SetAccessibleTexts(
+      this, {
+                {"tblQsos", QStringLiteral("QSOs des Logs"),
+                 QStringLiteral("Datum, Zeit, Rufzeichen, Locator, Punkte laut Log, Punkte "
+                                "nach Marvento, Unterschied, Richtung; Spaltenköpfe sortieren")},
+                {"txtSummary", QStringLiteral("Zusammenfassung"),
+                 QStringLiteral("QSOs, Doppel, Punktsummen, ODX, Großfelder und die "
+                                "Unterschiede nach Art")},
+                {"prgRead", QStringLiteral("Fortschritt beim Lesen"), QString()},
+                {"cmdOpen", QString(), QStringLiteral("EDI-Log öffnen")},
+                {"cmdSave", QString(),
+                 QStringLiteral("schreibt eine neue Datei mit den nachgerechneten Punkten")},
+            });
 
   auto* buttons = new QHBoxLayout;
   buttons->addWidget(m_open);
