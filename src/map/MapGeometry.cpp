@@ -210,7 +210,8 @@ std::vector<KmLine> ProjectLine(const AzimuthalProjection& projection, const Uni
   return pieces;
 }
 
-KmRing ProjectRing(const AzimuthalProjection& projection, const UnitLine& ring, double stepDeg) {
+KmRing ProjectRing(const AzimuthalProjection& projection, const UnitLine& ring, double stepDeg,
+                   std::vector<KmLine>* pieces) {
   KmRing out;
   if (ring.size() < 3) return out;
   const Frame frame(projection);
@@ -220,9 +221,15 @@ KmRing ProjectRing(const AzimuthalProjection& projection, const UnitLine& ring, 
   pts.reserve(ring.size() + 1);
   const Vec first = ring.front();
   pts.push_back(frame.project(first));
+  KmLine run;
+  if (pieces) run.push_back(pts.back());
   const auto add = [&](Vec v) {
     const QPointF q = frame.project(v);
     if (jumps(projection, pts.back(), q)) {
+      if (pieces) {
+        if (run.size() > 1) pieces->push_back(std::move(run));
+        run.clear();
+      }
       // Round the antipode along the outer circle, the shorter way.
       const double a0 = polar(pts.back());
       double da = polar(q) - a0;
@@ -235,6 +242,7 @@ KmRing ProjectRing(const AzimuthalProjection& projection, const UnitLine& ring, 
       }
     }
     pts.push_back(q);
+    if (pieces) run.push_back(q);
   };
   Vec prev = first;
   for (std::size_t i = 1; i < ring.size(); ++i) {
@@ -246,6 +254,7 @@ KmRing ProjectRing(const AzimuthalProjection& projection, const UnitLine& ring, 
   if (last.x != first.x || last.y != first.y || last.z != first.z) {
     divide(prev, first, cosStep, stepDeg, add);
   }
+  if (pieces && run.size() > 1) pieces->push_back(std::move(run));
   // Signed area with y north: positive for an anticlockwise ring.
   double area = 0;
   for (std::size_t i = 0; i < pts.size(); ++i) {

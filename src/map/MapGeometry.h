@@ -62,6 +62,9 @@ struct KmRing {
   bool anticlockwise = false;
 };
 KmRing ProjectRing(const AzimuthalProjection& projection, const GeoLine& ring, double stepDeg);
-KmRing ProjectRing(const AzimuthalProjection& projection, const UnitLine& ring, double stepDeg);
+// pieces, if given, receives the ring as lines split at the antipode, as ProjectLine gives
+// them for the closed ring: the coastline without a second projection.
+KmRing ProjectRing(const AzimuthalProjection& projection, const UnitLine& ring, double stepDeg,
+                   std::vector<KmLine>* pieces = nullptr);
 
 }  // namespace marvento

@@ -142,47 +142,116 @@ const MapData* MapView::data(bool fine) {
   return &*slot;
 }
 
-const MapView::Geometry& MapView::geometry(bool fine) {
-  std::optional<Geometry>& slot = fine ? m_fine : m_coarse;
-  if (slot) return *slot;
+namespace {
+
+UnitVector unit(GeoPoint p) {
+  return ToUnitLine({p}).front();
+}
+
+double angle(UnitVector a, UnitVector b) {
+  return std::acos(std::clamp(a.x * b.x + a.y * b.y + a.z * b.z, -1.0, 1.0));
+}
+
+// A cap below a hemisphere holds the great-circle segments between its points too; the land
+// areas, all smaller than a hemisphere, lie inside their ring's cap.
+}  // namespace
+
+std::vector<MapView::Cap> MapView::capsOf(const std::vector<UnitLine>& lines) {
+  std::vector<MapView::Cap> caps;
+  caps.reserve(lines.size());
+  for (const UnitLine& line : lines) {
+    UnitVector sum;
+    for (const UnitVector& p : line) {
+      sum.x += p.x;
+      sum.y += p.y;
+      sum.z += p.z;
+    }
+    const double len = std::sqrt(sum.x * sum.x + sum.y * sum.y + sum.z * sum.z);
+    MapView::Cap cap{{}, std::numbers::pi};
+    if (len > 1e-9) {
+      cap.mid = {sum.x / len, sum.y / len, sum.z / len};
+      double most = 0;
+      for (const UnitVector& p : line) most = std::max(most, angle(cap.mid, p));
+      if (most < std::numbers::pi / 2 - 1e-6) cap.radius = most;
+    }
+    caps.push_back(cap);
+  }
+  return caps;
+}
+
+MapView::Geometry& MapView::geometry(bool fine, double reachKm) {
   const MapData* d = data(fine);
+  std::vector<Cap>& ringCaps = fine ? m_fineRingCaps : m_coarseRingCaps;
+  std::vector<Cap>& borderCaps = fine ? m_fineBorderCaps : m_coarseBorderCaps;
+  const std::size_t rings = d->outerUnit.size() + d->holesUnit.size();
+  if (ringCaps.size() != rings) {
+    ringCaps = capsOf(d->outerUnit);
+    const std::vector<Cap> holes = capsOf(d->holesUnit);
+    ringCaps.insert(ringCaps.end(), holes.begin(), holes.end());
+    borderCaps = capsOf(d->bordersUnit);
+  }
+  std::optional<Geometry>& slot = fine ? m_fine : m_coarse;
+  if (!slot) {
+    slot = Geometry{};
+    slot->ringDone.assign(rings, 0);
+    slot->borderDone.assign(d->bordersUnit.size(), 0);
+  }
+  Geometry& g = *slot;
+  if (reachKm <= g.reachKm) return g;
   const double step = 1.0;
   const double rim = m_projection.antipodeKm();
   const QRectF disc(-rim, -rim, 2 * rim, 2 * rim);
-  Geometry g;
-  const auto area = [&](std::vector<Shape>& out, const UnitLine& ring, bool rightSide) {
-    const KmRing r = ProjectRing(m_projection, ring, step);
-    if (r.points.size() < 3) return;
-    Shape shape{polygon(r.points), {}, r.anticlockwise == rightSide};
-    shape.box = shape.rim ? disc : shape.km.boundingRect();
-    out.push_back(std::move(shape));
+  const UnitVector centre = unit(m_projection.centre());
+  const double reach = reachKm / m_projection.radiusKm();
+  // Whether any point of the cap comes within the reach of the centre.
+  const auto near = [&](const Cap& cap) {
+    return cap.radius >= std::numbers::pi / 2 || angle(centre, cap.mid) - cap.radius <= reach;
   };
   // Lines go in short runs, so that a zoomed view strokes only the runs it shows.
-  const auto lines = [&](std::vector<Shape>& out, const UnitLine& line) {
+  const auto runs = [&](std::vector<Shape>& out, const std::vector<KmLine>& pieces) {
     constexpr std::size_t kRun = 96;
-    for (const KmLine& piece : ProjectLine(m_projection, line, step)) {
+    for (const KmLine& piece : pieces) {
       for (std::size_t from = 0; from + 1 < piece.size(); from += kRun) {
         const std::size_t to = std::min(piece.size(), from + kRun + 1);
-        Shape shape{
-            polygon(KmLine(piece.begin() + long(from), piece.begin() + long(to))), {}, false};
+        Shape shape{polygon(KmLine(piece.begin() + long(from), piece.begin() + long(to))),
+                    {},
+                    false,
+                    {},
+                    -1};
         shape.box = shape.km.boundingRect();
         out.push_back(std::move(shape));
       }
     }
   };
-  for (const UnitLine& ring : d->outerUnit) area(g.land, ring, true);
-  for (const UnitLine& ring : d->holesUnit) area(g.holes, ring, false);
-  for (const auto* rings : {&d->outerUnit, &d->holesUnit}) {
-    for (const UnitLine& ring : *rings) lines(g.coast, ring);
+  std::vector<KmLine> pieces;
+  for (std::size_t i = 0; i < rings; ++i) {
+    if (g.ringDone[i] || !near(ringCaps[i])) continue;
+    g.ringDone[i] = 1;
+    const bool outer = i < d->outerUnit.size();
+    const UnitLine& ring = outer ? d->outerUnit[i] : d->holesUnit[i - d->outerUnit.size()];
+    pieces.clear();
+    // The coastline comes from the same projection as the area it bounds.
+    const KmRing r = ProjectRing(m_projection, ring, step, &pieces);
+    if (r.points.size() >= 3) {
+      Shape shape{polygon(r.points), {}, r.anticlockwise == outer, {}, -1};
+      shape.box = shape.rim ? disc : shape.km.boundingRect();
+      (outer ? g.land : g.holes).push_back(std::move(shape));
+    }
+    runs(g.coast, pieces);
   }
-  for (const UnitLine& line : d->bordersUnit) lines(g.borders, line);
-  slot = std::move(g);
-  return *slot;
+  for (std::size_t i = 0; i < d->bordersUnit.size(); ++i) {
+    if (g.borderDone[i] || !near(borderCaps[i])) continue;
+    g.borderDone[i] = 1;
+    runs(g.borders, ProjectLine(m_projection, d->bordersUnit[i], step));
+  }
+  g.reachKm = reachKm;
+  return g;
 }
 
 void MapView::reproject() {
   m_coarse.reset();
   m_fine.reset();
+  m_grid.reset();
   invalidate();
 }
 
@@ -202,6 +271,7 @@ void MapView::setStations(std::optional<GeoPoint> own, std::optional<GeoPoint> r
       m_projection = next;
       m_coarse.reset();
       m_fine.reset();
+      m_grid.reset();
       m_panKm = {};
     }
   }
@@ -374,12 +444,37 @@ void MapView::drawGrid(QPainter& painter, const QTransform& t, QSizeF size) {
     }
     if (rimInView) south = -90, north = 90;
   }
-  // Grid lines bend gently: a point every dozen pixels or so is smooth enough.
-  const double step = std::clamp(12.0 / (s * kmPerDeg), 0.002, 2.0);
-  painter.setPen(QPen(kGrid, 0));
-  for (const GeoLine& line : GridLines(level, south, north, west, east, step)) {
-    drawLine(painter, line, t, step);
+  // Grid lines bend gently: a point every dozen to two dozen pixels is smooth enough. The step
+  // and the stretch go in coarse units, so that the projected lines serve the neighbouring
+  // views too.
+  const double step =
+      std::min(2.0, std::exp2(std::ceil(std::log2(std::clamp(12.0 / (s * kmPerDeg), 0.002, 2.0)))));
+  const double unit = level == 0 ? 20.0 : level == 1 ? 10.0 : 1.0;
+  const double gSouth = std::max(-90.0, std::floor(south / unit) * unit);
+  const double gNorth = std::min(90.0, std::ceil(north / unit) * unit);
+  const double gWest = std::floor((west + 180.0) / unit) * unit - 180.0;
+  const double gEast = std::ceil((east + 180.0) / unit) * unit - 180.0;
+  if (!m_grid || m_grid->level != level || m_grid->step != step || m_grid->south != gSouth ||
+      m_grid->north != gNorth || m_grid->west != gWest || m_grid->east != gEast) {
+    GridCache grid{level, step, gSouth, gNorth, gWest, gEast, {}};
+    for (const GeoLine& line : GridLines(level, gSouth, gNorth, gWest, gEast, step)) {
+      for (const KmLine& piece : ProjectLine(m_projection, line, step)) {
+        Shape shape{polygon(piece), {}, false, {}, -1};
+        shape.box = shape.km.boundingRect();
+        grid.lines.push_back(std::move(shape));
+      }
+    }
+    m_grid = std::move(grid);
   }
+  const QRectF viewKm = t.inverted().mapRect(QRectF(QPointF(0, 0), size));
+  QPainterPath lines;
+  for (const Shape& shape : m_grid->lines) {
+    if (shape.box.intersects(viewKm)) lines.addPolygon(shape.km);
+  }
+  painter.save();
+  painter.setTransform(t, true);
+  painter.strokePath(lines, QPen(kGrid, 0));
+  painter.restore();
   // Labels in the cells' middles.
   const double dLon = level == 0 ? 20.0 : level == 1 ? 2.0 : 2.0 / 24.0;
   const double dLat = dLon / 2;
@@ -403,7 +498,14 @@ void MapView::drawGrid(QPainter& painter, const QTransform& t, QSizeF size) {
       const QPointF p = t.map(QPointF(x, y));
       if (!view.contains(p)) continue;
       const QString name = CoordsToLocator6(c.lon, c.lat).left(chars);
-      painter.drawText(QRectF(p.x() - 30, p.y() - 8, 60, 16), Qt::AlignCenter, name);
+      auto label = m_gridLabels.find(name);
+      if (label == m_gridLabels.end()) {
+        label = m_gridLabels.insert(name, QStaticText(name));
+        label->setTextFormat(Qt::PlainText);
+        label->prepare(QTransform(), f);
+      }
+      const QSizeF extent = label->size();
+      painter.drawStaticText(p - QPointF(extent.width() / 2, extent.height() / 2), *label);
       ++drawn;
     }
   }
@@ -477,23 +579,52 @@ void MapView::paintStatic(QPainter& painter, QSizeF size) {
   painter.setClipPath(discPx);
   painter.fillPath(discPx, (m_layers & LayerLand) ? kSea : Qt::white);
   const bool fine = std::min(size.width(), size.height()) / s < kFineSpanKm;
-  const Geometry& g = geometry(fine);
   // Only the shapes that reach into the view, gathered into one path per layer.
   const QRectF viewKm = t.inverted().mapRect(QRectF(QPointF(0, 0), size));
+  // The farthest the view reaches from the centre, with a margin for the strokes.
+  double reachKm = 0;
+  for (const QPointF& corner :
+       {viewKm.topLeft(), viewKm.topRight(), viewKm.bottomLeft(), viewKm.bottomRight()}) {
+    reachKm = std::max(reachKm, std::hypot(corner.x(), corner.y()));
+  }
+  reachKm = std::min(reachKm * 1.05 + 4.0 / s, 2 * rim);
+  Geometry& g = geometry(fine, reachKm);
+  // Points closer than half a pixel add nothing to the picture; the tolerance goes in powers
+  // of two so that zooming and panning reuse the thinned shapes.
+  const double thinKm = std::exp2(std::floor(std::log2(0.5 / s)));
+  const auto thinned = [&](Shape& shape) -> const QPolygonF& {
+    if (shape.thinKm != thinKm) {
+      shape.thinKm = thinKm;
+      shape.thin.clear();
+      shape.thin.reserve(shape.km.size());
+      const double d2 = thinKm * thinKm;
+      for (qsizetype i = 0; i < shape.km.size(); ++i) {
+        const QPointF p = shape.km[i];
+        if (i > 0 && i + 1 < shape.km.size()) {
+          const QPointF d = p - shape.thin.back();
+          if (d.x() * d.x() + d.y() * d.y() < d2) continue;
+        }
+        shape.thin << p;
+      }
+      shape.thin.squeeze();
+    }
+    return shape.thin;
+  };
   const QRectF margin = viewKm.adjusted(-viewKm.width() * 0.05, -viewKm.height() * 0.05,
                                         viewKm.width() * 0.05, viewKm.height() * 0.05);
-  const auto gather = [&](const std::vector<Shape>& shapes, bool area, bool clockwiseRim) {
+  const auto gather = [&](std::vector<Shape>& shapes, bool area, bool clockwiseRim) {
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
-    for (const Shape& shape : shapes) {
+    for (Shape& shape : shapes) {
       if (!shape.box.intersects(viewKm)) continue;
+      const QPolygonF& km = thinned(shape);
       if (!area) {
-        path.addPolygon(shape.km);
+        path.addPolygon(km);
         continue;
       }
       // A large area mostly outside the view is cut to it first.
-      const bool cut = !viewKm.contains(shape.box) && shape.km.size() > 64;
-      path.addPolygon(cut ? clipped(shape.km, margin) : shape.km);
+      const bool cut = !viewKm.contains(shape.box) && km.size() > 64;
+      path.addPolygon(cut ? clipped(km, margin) : km);
       path.closeSubpath();
       if (shape.rim) addRim(path, rim, clockwiseRim);
     }

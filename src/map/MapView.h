@@ -2,9 +2,12 @@
 
 #include "map/AzimuthalProjection.h"
 #include "map/MapData.h"
+#include "map/MapGeometry.h"
 
+#include <QHash>
 #include <QPainterPath>
 #include <QPixmap>
+#include <QStaticText>
 #include <QWidget>
 
 #include <optional>
@@ -97,12 +100,25 @@ class MapView : public QWidget {
     QPolygonF km;
     QRectF box;
     bool rim = false;
+    // km thinned to the view's pixel scale, kept while views of that scale follow.
+    QPolygonF thin;
+    double thinKm = -1;
   };
+  // A ring or line of the data in the smallest cap round it (radians; pi where none is
+  // smaller than a hemisphere), so that a view that cannot reach it skips its projection.
+  struct Cap {
+    UnitVector mid;
+    double radius = 0;
+  };
+  // The land projected for one centre, ring by ring as views need it.
   struct Geometry {
     std::vector<Shape> land, holes, coast, borders;
+    std::vector<char> ringDone, borderDone;
+    double reachKm = -1;  // every ring and line that comes this near the centre is projected
   };
+  static std::vector<Cap> capsOf(const std::vector<UnitLine>& lines);
   const MapData* data(bool fine);
-  const Geometry& geometry(bool fine);
+  Geometry& geometry(bool fine, double reachKm);
   void invalidate();
   QTransform kmToPixel(QSizeF size) const;
   void paintStatic(QPainter& painter, QSizeF size);
@@ -126,6 +142,17 @@ class MapView : public QWidget {
   std::optional<QPointF> m_dragFrom;
   std::optional<MapData> m_coarseData, m_fineData;
   std::optional<Geometry> m_coarse, m_fine;
+  std::vector<Cap> m_coarseRingCaps, m_coarseBorderCaps, m_fineRingCaps, m_fineBorderCaps;
+  // The grid's lines projected for a stretch of the earth at a sampling step, kept while pans
+  // and zooms stay inside it.
+  struct GridCache {
+    int level = -1;
+    double step = 0, south = 0, north = 0, west = 0, east = 0;
+    std::vector<Shape> lines;
+  };
+  std::optional<GridCache> m_grid;
+  // The grid's labels laid out once: a view shows hundreds, and a redraw would lay out each.
+  QHash<QString, QStaticText> m_gridLabels;
   QPixmap m_cache;
   bool m_cacheValid = false;
   QTimer* m_minute = nullptr;
