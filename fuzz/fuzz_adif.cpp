@@ -4,6 +4,13 @@
 
 #include <QBuffer>
 
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <set>
+#include <utility>
+#include <vector>
+
 using namespace marvento;
 using marvento::fuzz::Check;
 
@@ -80,23 +87,48 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Check(complete(pieces, options, r2) == out && r2.records == r1.records,
         "reading in pieces changes nothing");
 
-  // The output is the input with whole added fields between its bytes.
-  qsizetype i = 0, o = 0, added = 0;
-  while (i < bytes.size() || o < out.size()) {
-    const qsizetype field = o < out.size() ? addedField(QByteArrayView(out).sliced(o)) : 0;
-    const bool inInput = field > 0 && QByteArrayView(bytes).sliced(i).startsWith(
-                                          QByteArrayView(out).sliced(o, field));
-    if (i < bytes.size() && o < out.size() && bytes[i] == out[o] && (field == 0 || inInput)) {
-      ++i;
-      ++o;
-      continue;
+  // The output is the input with whole added fields between its bytes. Repeated text can
+  // be aligned in more than one way, so every alignment is followed (a state is a position in
+  // each text; the fields added so far are the difference of the two), not only the first.
+  const qsizetype fewestAdded = [&] {
+    std::vector<std::pair<qsizetype, qsizetype>> todo{{0, 0}};  // (input, output) positions
+    std::set<std::pair<qsizetype, qsizetype>> seen{{0, 0}};
+    std::map<std::pair<qsizetype, qsizetype>, qsizetype> fields{{{0, 0}, 0}};
+    qsizetype best = -1;
+    while (!todo.empty()) {
+      const auto [i, o] = todo.back();
+      todo.pop_back();
+      const qsizetype count = fields[{i, o}];
+      if (i == bytes.size() && o == out.size()) {
+        best = best < 0 ? count : std::min(best, count);
+        continue;
+      }
+      auto visit = [&](qsizetype ni, qsizetype no, qsizetype nc) {
+        if (seen.insert({ni, no}).second) {
+          fields[{ni, no}] = nc;
+          todo.push_back({ni, no});
+        }
+      };
+      // Matching bytes are followed as far as they go in one step.
+      qsizetype ni = i, no = o;
+      while (ni < bytes.size() && no < out.size() && bytes[ni] == out[no] &&
+             addedField(QByteArrayView(out).sliced(no)) == 0) {
+        ++ni;
+        ++no;
+      }
+      if (ni != i) {
+        visit(ni, no, count);
+        continue;
+      }
+      if (i < bytes.size() && o < out.size() && bytes[i] == out[o]) visit(i + 1, o + 1, count);
+      if (const qsizetype field = o < out.size() ? addedField(QByteArrayView(out).sliced(o)) : 0)
+        visit(i, o + field, count + 1);
     }
-    const qsizetype n = field;
-    Check(n > 0, "only whole DISTANCE and ANT_AZ fields are added",
-          QString::fromLatin1(out.mid(o, 40)));
-    o += n;
-    ++added;
-  }
+    return best;
+  }();
+  Check(fewestAdded >= 0, "only whole DISTANCE and ANT_AZ fields are added",
+        QString::fromLatin1(out.left(80)));
+  const qsizetype added = fewestAdded;
   Check(added <= 2 * r1.completed, "at most two fields per completed record");
 
   // A second run finds nothing left to add.
