@@ -1,5 +1,7 @@
 #include "contest/AdifComplete.h"
 
+#include "contest/LineReader.h"
+
 #include "contest/Wgs84.h"
 #include "locator/LocatorToCoords.h"
 
@@ -15,7 +17,6 @@ namespace marvento {
 
 namespace {
 
-constexpr qint64 kChunk = 1 << 16;
 // A record longer than this is passed through as it is rather than held.
 constexpr qsizetype kRecordCap = 8 << 20;
 
@@ -75,8 +76,8 @@ bool Completer::more() {
     m_start = 0;
   }
   const qsizetype had = m_buf.size();
-  m_buf.resize(had + kChunk);
-  const qint64 got = m_in.read(m_buf.data() + had, kChunk);
+  m_buf.resize(had + kReadChunk);
+  const qint64 got = m_in.read(m_buf.data() + had, kReadChunk);
   m_buf.resize(had + std::max<qint64>(got, 0));
   if (got < 0)
     m_result.error =

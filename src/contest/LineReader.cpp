@@ -2,10 +2,6 @@
 
 namespace marvento {
 
-namespace {
-constexpr qint64 kChunk = 1 << 16;
-}
-
 LineReader::LineReader(QIODevice& in, qsizetype cap) : m_in(in), m_cap(cap) {}
 
 bool LineReader::fill() {
@@ -15,8 +11,8 @@ bool LineReader::fill() {
     m_pos = 0;
   }
   const qsizetype had = m_buf.size();
-  m_buf.resize(had + kChunk);
-  const qint64 got = m_in.read(m_buf.data() + had, kChunk);
+  m_buf.resize(had + kReadChunk);
+  const qint64 got = m_in.read(m_buf.data() + had, kReadChunk);
   if (got < 0) m_failed = true;
   m_buf.resize(had + std::max<qint64>(got, 0));
   if (got <= 0) m_eof = true;

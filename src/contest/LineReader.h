@@ -7,6 +7,9 @@
 
 namespace marvento {
 
+// How much a log reader takes from its file at a time.
+inline constexpr qint64 kReadChunk = 1 << 16;
+
 // Reads a text file line by line in fixed-size pieces, so that neither a huge file nor one
 // huge line is ever held whole. A line longer than the cap keeps only its head; its bytes
 // (head, rest and line end) then go to the pass-through sink, if one is set, in file order.

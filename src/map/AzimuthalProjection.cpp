@@ -8,7 +8,6 @@ namespace marvento {
 
 namespace {
 
-constexpr double kDeg = std::numbers::pi / 180.0;
 // Closer to a pole than this (about 1 mm) the centre counts as the pole itself.
 constexpr double kPoleLatitude = 90.0 - 1e-8;
 

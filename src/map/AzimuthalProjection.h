@@ -2,7 +2,12 @@
 
 #include "distance/StationPair.h"
 
+#include <numbers>
+
 namespace marvento {
+
+// Radians per degree, for the map's own arithmetic.
+inline constexpr double kDeg = std::numbers::pi / 180.0;
 
 // The azimuthal equidistant projection on a sphere, centred on one station: every straight
 // line through the centre is a great circle, its angle from up the initial bearing, and the

@@ -8,8 +8,6 @@ namespace marvento {
 
 namespace {
 
-constexpr double kDeg = std::numbers::pi / 180.0;
-
 using Vec = UnitVector;
 
 Vec toVec(GeoPoint p) {

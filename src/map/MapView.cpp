@@ -23,7 +23,6 @@ namespace marvento {
 
 namespace {
 
-constexpr double kDeg = std::numbers::pi / 180.0;
 // Below this span the map switches to the finer data.
 constexpr double kFineSpanKm = 6000.0;
 const QColor kSea(198, 222, 240);
