@@ -1,5 +1,6 @@
 // The ADIF completion: DISTANCE and ANT_AZ added, nothing else touched.
 #include "FuzzSupport.h"
+#include "Trickle.h"
 #include "contest/AdifComplete.h"
 
 #include <QBuffer>
@@ -15,30 +16,6 @@ using namespace marvento;
 using marvento::fuzz::Check;
 
 namespace {
-
-// At most a few bytes per read, so that tags and data fall across the pieces.
-class Trickle : public QIODevice {
- public:
-  Trickle(const QByteArray& bytes, std::uint8_t seed) : m_bytes(bytes), m_seed(seed | 1) {
-    open(QIODevice::ReadOnly);
-  }
-  bool isSequential() const override { return true; }
-
- protected:
-  qint64 readData(char* data, qint64 max) override {
-    m_seed = static_cast<std::uint8_t>(m_seed * 37 + 11);
-    const qint64 n = std::min<qint64>({max, m_bytes.size() - m_pos, 1 + m_seed % 13});
-    std::memcpy(data, m_bytes.constData() + m_pos, n);
-    m_pos += n;
-    return n;
-  }
-  qint64 writeData(const char*, qint64) override { return -1; }
-
- private:
-  QByteArray m_bytes;
-  qint64 m_pos = 0;
-  std::uint8_t m_seed;
-};
 
 QByteArray complete(QIODevice& in, const AdifOptions& options, AdifResult& result) {
   QBuffer out;
@@ -82,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Check(r1.completed + r1.kept + r1.noGrid + r1.noOwn + r1.tooLong >= r1.records,
         "every record is accounted for");
 
-  Trickle pieces(bytes, data[0]);
+  fuzz::Trickle pieces(bytes, data[0], 13);
   AdifResult r2;
   Check(complete(pieces, options, r2) == out && r2.records == r1.records,
         "reading in pieces changes nothing");

@@ -1,5 +1,6 @@
 // The EDI log reader, its check and its correction.
 #include "FuzzSupport.h"
+#include "Trickle.h"
 #include "contest/EdiCheck.h"
 #include "contest/EdiFix.h"
 
@@ -9,31 +10,6 @@ using namespace marvento;
 using marvento::fuzz::Check;
 
 namespace {
-
-// Hands out at most a few bytes per read, as a pipe or a slow disk may: the readers must
-// give the same result whatever the pieces.
-class Trickle : public QIODevice {
- public:
-  Trickle(const QByteArray& bytes, std::uint8_t seed) : m_bytes(bytes), m_seed(seed | 1) {
-    open(QIODevice::ReadOnly);
-  }
-  bool isSequential() const override { return true; }
-
- protected:
-  qint64 readData(char* data, qint64 max) override {
-    m_seed = static_cast<std::uint8_t>(m_seed * 37 + 11);
-    const qint64 n = std::min<qint64>({max, m_bytes.size() - m_pos, 1 + m_seed % 7});
-    std::memcpy(data, m_bytes.constData() + m_pos, n);
-    m_pos += n;
-    return n;
-  }
-  qint64 writeData(const char*, qint64) override { return -1; }
-
- private:
-  QByteArray m_bytes;
-  qint64 m_pos = 0;
-  std::uint8_t m_seed;
-};
 
 QString num(qint64 v) {
   return QString::number(v);
@@ -52,7 +28,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   whole.setData(bytes);
   whole.open(QIODevice::ReadOnly);
   const EdiCheck log = CheckEdi(whole, options);
-  Trickle pieces(bytes, data[0]);
+  fuzz::Trickle pieces(bytes, data[0], 7);
   const EdiCheck again = CheckEdi(pieces, options);
   Check(log.error == again.error && log.qsos.size() == again.qsos.size() &&
             log.pointsTotal == again.pointsTotal && log.claimedTotal == again.claimedTotal &&
