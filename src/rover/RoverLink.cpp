@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace marvento {
 
@@ -63,8 +64,14 @@ RoverLink::RoverLink(const RoverView& view, RoverHooks hooks, QObject* parent)
 
 RoverLink::~RoverLink() {
   m_speechThread->quit();
-  // A speech service that hangs must not hold up the end of the program.
-  m_speechThread->wait(5000);
+  // A speech service that hangs (or is still listing its voices) must not hold up the end of
+  // the window: its thread is let go, kept where it can still be found, and ends with the
+  // process. Destroying a running thread would abort the program.
+  if (!m_speechThread->wait(5000)) {
+    static std::vector<QThread*> letGo;
+    m_speechThread->setParent(nullptr);
+    letGo.push_back(m_speechThread);
+  }
 }
 
 void RoverLink::say(const QString& text) {

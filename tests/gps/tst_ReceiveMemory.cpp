@@ -5,6 +5,7 @@
 #include "gps/GpsdExchange.h"
 #include "station/Js8CallLink.h"
 #include "station/RotatorLink.h"
+#include "support/Sanitizers.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -30,14 +31,6 @@
 #include <sys/socket.h>
 #include <termios.h>
 #include <unistd.h>
-
-#if defined(__SANITIZE_ADDRESS__)
-#define MARVENTO_ASAN 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define MARVENTO_ASAN 1
-#endif
-#endif
 
 using namespace marvento;
 using namespace std::chrono_literals;
