@@ -9,14 +9,7 @@ for tool in Xvfb openbox dbus-run-session xdotool /usr/libexec/at-spi-bus-launch
 done
 /usr/bin/python3 -c "import pyatspi" 2>/dev/null || { echo "SKIP: python3-pyatspi is missing"; exit 77; }
 
-work=$(mktemp -d)
-trap 'kill $xpid 2>/dev/null; rm -rf "$work"' EXIT
-# The server picks a free display and tells its number.
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$work/display" >/dev/null 2>&1 &
-xpid=$!
-for _ in $(seq 50); do [ -s "$work/display" ] && break; sleep 0.1; done
-DISPLAY=":$(cat "$work/display")"
-export DISPLAY
+. "$(dirname "$0")/private_display.sh"
 mkdir -m 700 "$work/runtime" "$work/config"
 export XDG_RUNTIME_DIR="$work/runtime" XDG_CONFIG_HOME="$work/config"
 export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 QT_ACCESSIBILITY=1 QT_QPA_PLATFORM=xcb

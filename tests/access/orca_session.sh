@@ -9,13 +9,8 @@ for tool in orca speech-dispatcher Xvfb openbox dbus-run-session xdotool; do
   command -v "$tool" >/dev/null || { echo "SKIP: $tool is missing (Debian package orca)"; exit 77; }
 done
 
-work=$(mktemp -d)
-trap 'kill $xpid 2>/dev/null; rm -rf "$work"' EXIT
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$work/display" >/dev/null 2>&1 &
-xpid=$!
-for _ in $(seq 50); do [ -s "$work/display" ] && break; sleep 0.1; done
-DISPLAY=":$(cat "$work/display")"
-export DISPLAY HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config" QT_QPA_PLATFORM=xcb
+. "$(dirname "$0")/private_display.sh"
+export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config" QT_QPA_PLATFORM=xcb
 export XDG_DATA_HOME="$work/home/.local/share" XDG_RUNTIME_DIR="$work/runtime"
 mkdir -p "$XDG_CONFIG_HOME/speech-dispatcher" "$XDG_DATA_HOME"
 mkdir -m 700 "$XDG_RUNTIME_DIR"

@@ -18,18 +18,21 @@ void PrintTo(const TextCase& c, std::ostream* os) {
   *os << c.name;
 }
 
-class EscapeTextTest : public ::testing::TestWithParam<TextCase> {};
-
-// What groff would take as a request, a font change or a typographic sign must come out as
-// the plain character; what is no text must be refused rather than passed on.
-TEST_P(EscapeTextTest, Escapes) {
-  const TextCase& c = GetParam();
-  const Result r = EscapeText(c.input);
+// The text must be the expected one, and an error must be refused with the expected words.
+void ExpectResult(const Result& r, const TextCase& c) {
   EXPECT_EQ(r.text, c.output);
   if (c.error.empty())
     EXPECT_EQ(r.error, "");
   else
     EXPECT_NE(r.error.find(c.error), std::string::npos) << r.error;
+}
+
+class EscapeTextTest : public ::testing::TestWithParam<TextCase> {};
+
+// What groff would take as a request, a font change or a typographic sign must come out as
+// the plain character; what is no text must be refused rather than passed on.
+TEST_P(EscapeTextTest, Escapes) {
+  ExpectResult(EscapeText(GetParam().input), GetParam());
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -54,13 +57,7 @@ INSTANTIATE_TEST_SUITE_P(
 class FormatInlineTest : public ::testing::TestWithParam<TextCase> {};
 
 TEST_P(FormatInlineTest, Formats) {
-  const TextCase& c = GetParam();
-  const Result r = FormatInline(c.input);
-  EXPECT_EQ(r.text, c.output);
-  if (c.error.empty())
-    EXPECT_EQ(r.error, "");
-  else
-    EXPECT_NE(r.error.find(c.error), std::string::npos) << r.error;
+  ExpectResult(FormatInline(GetParam().input), GetParam());
 }
 
 INSTANTIATE_TEST_SUITE_P(
