@@ -15,6 +15,8 @@ namespace {
 
 constexpr int kFields = 15;
 constexpr qsizetype kRoom = 16;  // bytes a corrected record may grow by
+// Room for a corrected header total: a 64-bit number, or CODXC's call, square and points.
+constexpr qsizetype kHeaderRoom = 48;
 
 QByteArrayView trimmed(QByteArrayView v) {
   while (!v.isEmpty() && (v.front() == ' ' || v.front() == '\t' || v.front() == '\r'))
@@ -112,13 +114,13 @@ EdiCheck CheckEdi(QIODevice& in, const EdiProgress& progress) {
       continue;
     }
     if (section == Section::Header) {
-      if (line.cut) continue;
       const qsizetype eq = t.indexOf('=');
       if (eq < 0) continue;
       const QByteArrayView key = trimmed(t.first(eq));
       const QByteArray value = trimmed(t.sliced(eq + 1)).toByteArray();
       EdiHeaderValue* slot = nullptr;
       if (equalNoCase(key, "PWWLo")) {
+        if (line.cut) continue;
         log.ownLocator = value;
         log.own = SquareOfLatin1(value.constData(), value.size());
       } else if (equalNoCase(key, "CQSOs")) {
@@ -130,7 +132,17 @@ EdiCheck CheckEdi(QIODevice& in, const EdiProgress& progress) {
       } else if (equalNoCase(key, "CODXC")) {
         slot = &log.codxc;
       }
-      if (slot && slot->line == 0) *slot = {line.number, value};
+      if (!slot || slot->line != 0) continue;
+      // A total line stays the first of its key even when it is too long to read, or too
+      // long to take a corrected value: the corrected file must read the same line again.
+      const qsizetype keptPart =
+          line.text.size() - (slot == &log.cwwls ? firstPart(value) : value).size();
+      const bool tooLong = line.cut || keptPart > progress.lineCap - kHeaderRoom;
+      *slot = {line.number, value, tooLong};
+      if (tooLong && slot != &log.cqsos)
+        log.malformed.emplace_back(line.number,
+                                   QStringLiteral("Kopfzeile %1 zu lang, nicht geprüft")
+                                       .arg(QString::fromLatin1(key)));
       continue;
     }
     if (section != Section::Records || t.isEmpty()) continue;
@@ -266,15 +278,15 @@ QByteArray EdiCheck::wantCodxc() const {
 }
 
 bool EdiCheck::cqsopHolds() const {
-  return cqsop.line == 0 || number(firstPart(cqsop.value)) == pointsTotal;
+  return cqsop.line == 0 || cqsop.tooLong || number(firstPart(cqsop.value)) == pointsTotal;
 }
 
 bool EdiCheck::cwwlsHolds() const {
-  return cwwls.line == 0 || number(firstPart(cwwls.value)) == squares;
+  return cwwls.line == 0 || cwwls.tooLong || number(firstPart(cwwls.value)) == squares;
 }
 
 bool EdiCheck::codxcHolds() const {
-  if (codxc.line == 0 || odx < 0) return true;
+  if (codxc.line == 0 || codxc.tooLong || odx < 0) return true;
   const QList<QByteArray> parts = codxc.value.split(';');
   if (parts.size() < 3 || number(parts[2]) != qsos[odx].points) return false;
   // Any of several QSOs at the greatest distance will do.
@@ -302,6 +314,7 @@ QStringList EdiCheck::report(int listLimit) const {
     out << error;
     return out;
   }
+  const QString unchecked = QStringLiteral("Zeile zu lang, nicht geprüft");
   const auto claim = [](const EdiQso& q) {
     return q.claimed ? QString::number(*q.claimed) : QStringLiteral("keine Zahl");
   };
@@ -326,14 +339,16 @@ QStringList EdiCheck::report(int listLimit) const {
                .arg(static_cast<qint64>(qsos.size()) - duplicates - badLocators);
   if (cqsop.line)
     out << QStringLiteral("CQSOP im Kopf: %1 – %2")
-               .arg(text(cqsop.value), cqsopHolds()
+               .arg(text(cqsop.value), cqsop.tooLong ? unchecked
+                                       : cqsopHolds()
                                            ? QStringLiteral("stimmt")
                                            : QStringLiteral("nachgerechnet %1").arg(pointsTotal));
   if (odx >= 0) {
     const QString want = text(wantCodxc());
     if (codxc.line)
       out << QStringLiteral("CODXC (ODX) im Kopf: %1 – %2")
-                 .arg(text(codxc.value), codxcHolds()
+                 .arg(text(codxc.value), codxc.tooLong ? unchecked
+                                         : codxcHolds()
                                              ? QStringLiteral("stimmt")
                                              : QStringLiteral("aus den QSOs %1").arg(want));
     else
@@ -343,8 +358,10 @@ QStringList EdiCheck::report(int listLimit) const {
              .arg(squares)
              .arg(cwwls.line
                       ? QStringLiteral(" (CWWLs im Kopf: %1%2)")
-                            .arg(text(cwwls.value), cwwlsHolds() ? QStringLiteral(", stimmt")
-                                                                 : QStringLiteral(", weicht ab"))
+                            .arg(text(cwwls.value),
+                                 cwwls.tooLong ? QStringLiteral(", ") + unchecked
+                                 : cwwlsHolds() ? QStringLiteral(", stimmt")
+                                                : QStringLiteral(", weicht ab"))
                       : QString());
   const qint64 exact =
       static_cast<qint64>(qsos.size()) - offByOne - larger - badLocators - duplicates;

@@ -54,6 +54,7 @@ struct EdiQso {
 struct EdiHeaderValue {
   qint64 line = 0;  // 0: not in the file
   QByteArray value;
+  bool tooLong = false;  // named among the unreadable lines, neither checked nor corrected
 };
 
 // What reading and checking an EDI (REG1TEST) log found.
@@ -64,7 +65,8 @@ struct EdiCheck {
   QByteArray ownLocator;
   std::optional<ContestSquare> own;
   std::vector<EdiQso> qsos;
-  // Record lines with another number of fields than 15, or longer than can be read.
+  // Record lines with another number of fields than 15, and record or total lines longer
+  // than can be read.
   std::vector<std::pair<qint64, QString>> malformed;
   EdiHeaderValue cqsos, cqsop, cwwls, codxc;
   bool sawEnd = false;

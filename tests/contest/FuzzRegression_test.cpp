@@ -15,6 +15,16 @@ EdiCheck check(const QByteArray& bytes, const EdiProgress& options) {
   return CheckEdi(b, options);
 }
 
+QByteArray corrected(const QByteArray& bytes, const EdiCheck& log, const EdiProgress& options) {
+  QBuffer in;
+  in.setData(bytes);
+  in.open(QIODevice::ReadOnly);
+  QBuffer out;
+  out.open(QIODevice::WriteOnly);
+  EXPECT_TRUE(FixEdi(in, out, log, options).isEmpty());
+  return out.data();
+}
+
 // fuzz_edi: a record just short of the line limit grew past it when its points were
 // corrected, and the corrected log then read one record less. Records are now measured
 // without their points, so the correction cannot move a record across the limit.
@@ -27,15 +37,51 @@ TEST(ContestFuzzRegression, CorrectedRecordStaysARecord) {
   const EdiCheck before = check(log, options);
   ASSERT_TRUE(before.ok());
   ASSERT_EQ(before.qsos.size(), 1u);
-  QBuffer in;
-  in.setData(log);
-  in.open(QIODevice::ReadOnly);
-  QBuffer out;
-  out.open(QIODevice::WriteOnly);
-  ASSERT_TRUE(FixEdi(in, out, before, options).isEmpty());
-  const EdiCheck after = check(out.data(), options);
+  const EdiCheck after = check(corrected(log, before, options), options);
   EXPECT_EQ(after.qsos.size(), 1u);
   EXPECT_TRUE(after.allHold());
+}
+
+// fuzz_edi: a CWWLs line just under the line limit, with its count missing, grew past the
+// limit when the count was written in; the corrected log then read the key's second line,
+// a stale count, and did not check clean. A total line now keeps its place as the first of
+// its key however long it is, and one without room for a corrected value is named and left.
+TEST(ContestFuzzRegression, TotalLineNearTheLimitKeepsItsPlace) {
+  EdiProgress options;
+  options.lineCap = 80;
+  const QByteArray records = "[QSORecords;1]\n261024;1400;DL1ABC;1;59;001;59;010;;JO62QM;5;;N;;\n";
+  struct Case {
+    const char* key;
+    qsizetype padding;  // the first line's length is the limit minus this
+    bool checked;       // with room for the corrected value
+  };
+  // CWWLs keeps what follows its count; CQSOP and CODXC take a new value whole.
+  for (const Case c : {Case{"CWWLs", 0, false}, Case{"CWWLs", 47, false}, Case{"CWWLs", 48, true},
+                       Case{"CWWLs", -1, false}, Case{"CQSOP", 0, true}, Case{"CQSOP", -1, false},
+                       Case{"CODXC", 0, true}, Case{"CODXC", -1, false}}) {
+    SCOPED_TRACE((QByteArray(c.key) + " " + QByteArray::number(c.padding)).toStdString());
+    QByteArray first = QByteArray(c.key) + "=,0;";
+    first += QByteArray(options.lineCap - c.padding - first.size(), 'x');
+    const QByteArray log = "[REG1TEST;1]\nPWWLo=JO61QM\n" + first + "\n" + c.key + "=8;0;\n" + records;
+    const EdiCheck before = check(log, options);
+    ASSERT_TRUE(before.ok());
+    const auto slot = [&c](const EdiCheck& e) {
+      const QByteArray key(c.key);
+      return key == "CWWLs" ? e.cwwls : key == "CQSOP" ? e.cqsop : e.codxc;
+    };
+    EXPECT_EQ(slot(before).line, 3);
+    EXPECT_EQ(slot(before).tooLong, !c.checked);
+    EXPECT_EQ(before.malformed.size(), c.checked ? 0u : 1u);
+    const QByteArray out = corrected(log, before, options);
+    const EdiCheck after = check(out, options);
+    EXPECT_EQ(slot(after).line, 3);
+    EXPECT_TRUE(after.allHold()) << after.report().join(u'\n').toStdString();
+    for (const QByteArray& line : out.split('\n')) {
+      if (line.size() > options.lineCap) {
+        EXPECT_EQ(line.toStdString(), first.toStdString()) << "only a line already too long";
+      }
+    }
+  }
 }
 
 }  // namespace
