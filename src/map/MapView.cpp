@@ -70,6 +70,22 @@ void addArea(QPainterPath& path, const AzimuthalProjection& projection, const Ge
   if (r.anticlockwise == rightSide) addRim(path, projection.antipodeKm(), rightSide);
 }
 
+// The line without the points closer than minStep to the last one kept; the ends stay.
+QPolygonF thinnedTo(const QPolygonF& line, double minStep) {
+  QPolygonF out;
+  out.reserve(line.size());
+  const double d2 = minStep * minStep;
+  for (qsizetype i = 0; i < line.size(); ++i) {
+    const QPointF p = line[i];
+    if (i > 0 && i + 1 < line.size()) {
+      const QPointF d = p - out.back();
+      if (d.x() * d.x() + d.y() * d.y() < d2) continue;
+    }
+    out << p;
+  }
+  return out;
+}
+
 QPolygonF polygon(const KmLine& line) {
   return QPolygonF(QList<QPointF>(line.begin(), line.end()));
 }
@@ -151,49 +167,38 @@ double angle(UnitVector a, UnitVector b) {
   return std::acos(std::clamp(a.x * b.x + a.y * b.y + a.z * b.z, -1.0, 1.0));
 }
 
-// A cap below a hemisphere holds the great-circle segments between its points too; the land
-// areas, all smaller than a hemisphere, lie inside their ring's cap.
-}  // namespace
-
-std::vector<MapView::Cap> MapView::capsOf(const std::vector<UnitLine>& lines) {
-  std::vector<MapView::Cap> caps;
+std::vector<SphereCap> capsOf(const std::vector<UnitLine>& lines) {
+  std::vector<SphereCap> caps;
   caps.reserve(lines.size());
-  for (const UnitLine& line : lines) {
-    UnitVector sum;
-    for (const UnitVector& p : line) {
-      sum.x += p.x;
-      sum.y += p.y;
-      sum.z += p.z;
-    }
-    const double len = std::sqrt(sum.x * sum.x + sum.y * sum.y + sum.z * sum.z);
-    MapView::Cap cap{{}, std::numbers::pi};
-    if (len > 1e-9) {
-      cap.mid = {sum.x / len, sum.y / len, sum.z / len};
-      double most = 0;
-      for (const UnitVector& p : line) most = std::max(most, angle(cap.mid, p));
-      if (most < std::numbers::pi / 2 - 1e-6) cap.radius = most;
-    }
-    caps.push_back(cap);
-  }
+  for (const UnitLine& line : lines) caps.push_back(CapOf(line.data(), line.size()));
   return caps;
 }
 
+}  // namespace
+
 MapView::Geometry& MapView::geometry(bool fine, double reachKm) {
   const MapData* d = data(fine);
-  std::vector<Cap>& ringCaps = fine ? m_fineRingCaps : m_coarseRingCaps;
-  std::vector<Cap>& borderCaps = fine ? m_fineBorderCaps : m_coarseBorderCaps;
+  DataIndex& index = fine ? m_fineIndex : m_coarseIndex;
   const std::size_t rings = d->outerUnit.size() + d->holesUnit.size();
-  if (ringCaps.size() != rings) {
-    ringCaps = capsOf(d->outerUnit);
-    const std::vector<Cap> holes = capsOf(d->holesUnit);
-    ringCaps.insert(ringCaps.end(), holes.begin(), holes.end());
-    borderCaps = capsOf(d->bordersUnit);
+  const auto ringAt = [d](std::size_t i) -> const UnitLine& {
+    return i < d->outerUnit.size() ? d->outerUnit[i] : d->holesUnit[i - d->outerUnit.size()];
+  };
+  if (index.rings.size() != rings) {
+    index.rings = capsOf(d->outerUnit);
+    const std::vector<SphereCap> holes = capsOf(d->holesUnit);
+    index.rings.insert(index.rings.end(), holes.begin(), holes.end());
+    index.borders = capsOf(d->bordersUnit);
+    for (std::size_t i = 0; i < rings; ++i) {
+      if (index.rings[i].radius >= std::numbers::pi / 2)
+        index.big.push_back({i, RingRunCaps(ringAt(i)), std::nullopt});
+    }
   }
   std::optional<Geometry>& slot = fine ? m_fine : m_coarse;
   if (!slot) {
     slot = Geometry{};
     slot->ringDone.assign(rings, 0);
     slot->borderDone.assign(d->bordersUnit.size(), 0);
+    for (const BigRing& big : index.big) slot->ringDone[big.ring] = 1;
   }
   Geometry& g = *slot;
   if (reachKm <= g.reachKm) return g;
@@ -203,7 +208,7 @@ MapView::Geometry& MapView::geometry(bool fine, double reachKm) {
   const UnitVector centre = unit(m_projection.centre());
   const double reach = reachKm / m_projection.radiusKm();
   // Whether any point of the cap comes within the reach of the centre.
-  const auto near = [&](const Cap& cap) {
+  const auto near = [&](const SphereCap& cap) {
     return cap.radius >= std::numbers::pi / 2 || angle(centre, cap.mid) - cap.radius <= reach;
   };
   // Lines go in short runs, so that a zoomed view strokes only the runs it shows.
@@ -222,36 +227,60 @@ MapView::Geometry& MapView::geometry(bool fine, double reachKm) {
       }
     }
   };
+  const auto area = [&](std::vector<Shape>& out, const KmRing& r, bool rimSide) {
+    if (r.points.size() < 3) return;
+    Shape shape{polygon(r.points), {}, rimSide, {}, -1};
+    shape.box = shape.rim ? disc : shape.km.boundingRect();
+    out.push_back(std::move(shape));
+  };
   std::vector<KmLine> pieces;
   for (std::size_t i = 0; i < rings; ++i) {
-    if (g.ringDone[i] || !near(ringCaps[i])) continue;
+    if (g.ringDone[i] || !near(index.rings[i])) continue;
     g.ringDone[i] = 1;
     const bool outer = i < d->outerUnit.size();
-    const UnitLine& ring = outer ? d->outerUnit[i] : d->holesUnit[i - d->outerUnit.size()];
     pieces.clear();
     // The coastline comes from the same projection as the area it bounds.
-    const KmRing r = ProjectRing(m_projection, ring, step, &pieces);
-    if (r.points.size() >= 3) {
-      Shape shape{polygon(r.points), {}, r.anticlockwise == outer, {}, -1};
-      shape.box = shape.rim ? disc : shape.km.boundingRect();
-      (outer ? g.land : g.holes).push_back(std::move(shape));
-    }
+    const KmRing r = ProjectRing(m_projection, ringAt(i), step, &pieces);
+    area(outer ? g.land : g.holes, r, r.anticlockwise == outer);
     runs(g.coast, pieces);
   }
+  if (reachKm > g.bigReachKm) {
+    // Half as far again as the view reaches, so that zooming out a little and panning keep it.
+    const double bigReach = std::min(1.5 * reachKm, 2 * rim);
+    g.bigLand.clear();
+    g.bigHoles.clear();
+    g.bigCoast.clear();
+    for (BigRing& big : index.big) {
+      const bool outer = big.ring < d->outerUnit.size();
+      const UnitLine& ring = ringAt(big.ring);
+      pieces.clear();
+      // Which side of the ring the centre lies on follows from a place whose side is known;
+      // without one (or from the far side of the earth) the ring is projected whole once.
+      std::optional<bool> holdsCentre;
+      if (big.known && angle(big.known->first, centre) < std::numbers::pi - 0.01)
+        holdsCentre = big.known->second != AreaSideChanges(ring, big.known->first, centre);
+      const RingReach cut{bigReach, &big.runCaps};
+      const KmRing r = ProjectRing(m_projection, ring, step, &pieces, holdsCentre ? &cut : nullptr);
+      // The area holds the centre when the ring turns round it and the area is inside, or
+      // when it does not and the area reaches round the antipode.
+      bool rimSide = r.anticlockwise == outer;
+      if (r.cut) {
+        rimSide = *holdsCentre != (r.windingAtCentre != 0);
+      } else {
+        big.known = {centre, rimSide != (r.windingAtCentre != 0)};
+      }
+      area(outer ? g.bigLand : g.bigHoles, r, rimSide);
+      runs(g.bigCoast, pieces);
+    }
+    g.bigReachKm = bigReach;
+  }
   for (std::size_t i = 0; i < d->bordersUnit.size(); ++i) {
-    if (g.borderDone[i] || !near(borderCaps[i])) continue;
+    if (g.borderDone[i] || !near(index.borders[i])) continue;
     g.borderDone[i] = 1;
     runs(g.borders, ProjectLine(m_projection, d->bordersUnit[i], step));
   }
   g.reachKm = reachKm;
   return g;
-}
-
-void MapView::reproject() {
-  m_coarse.reset();
-  m_fine.reset();
-  m_grid.reset();
-  invalidate();
 }
 
 void MapView::invalidate() {
@@ -268,6 +297,8 @@ void MapView::setStations(std::optional<GeoPoint> own, std::optional<GeoPoint> r
     const AzimuthalProjection next(centre, radiusKm);
     if (!(next.centre() == m_projection.centre()) || next.radiusKm() != m_projection.radiusKm()) {
       m_projection = next;
+      m_trackKm.clear();
+      m_trackProjected = 0;
       m_coarse.reset();
       m_fine.reset();
       m_grid.reset();
@@ -283,7 +314,12 @@ void MapView::setStations(std::optional<GeoPoint> own, std::optional<GeoPoint> r
 }
 
 void MapView::addFix(GeoPoint position) {
-  if (m_track.empty() || !(m_track.back() == position)) m_track.push_back(position);
+  if (!m_track.empty() && m_track.back() == position) return;
+  const QString square = CoordsToLocator6(position.lon, position.lat).left(4);
+  if (!m_track.empty() &&
+      square != CoordsToLocator6(m_track.back().lon, m_track.back().lat).left(4))
+    m_trackSquares.emplace_back(m_track.size(), square);
+  m_track.push_back(position);
   update();
 }
 
@@ -456,8 +492,9 @@ void MapView::drawGrid(QPainter& painter, const QTransform& t, QSizeF size) {
   if (!m_grid || m_grid->level != level || m_grid->step != step || m_grid->south != gSouth ||
       m_grid->north != gNorth || m_grid->west != gWest || m_grid->east != gEast) {
     GridCache grid{level, step, gSouth, gNorth, gWest, gEast, {}};
-    for (const GeoLine& line : GridLines(level, gSouth, gNorth, gWest, gEast, step)) {
-      for (const KmLine& piece : ProjectLine(m_projection, line, step)) {
+    for (const UnitLine& line : GridLines(level, gSouth, gNorth, gWest, gEast, step)) {
+      // The lines come sampled at the step already: nothing to divide.
+      for (const KmLine& piece : ProjectLine(m_projection, line, 2 * step)) {
         Shape shape{polygon(piece), {}, false, {}, -1};
         shape.box = shape.km.boundingRect();
         grid.lines.push_back(std::move(shape));
@@ -594,50 +631,46 @@ void MapView::paintStatic(QPainter& painter, QSizeF size) {
   const auto thinned = [&](Shape& shape) -> const QPolygonF& {
     if (shape.thinKm != thinKm) {
       shape.thinKm = thinKm;
-      shape.thin.clear();
-      shape.thin.reserve(shape.km.size());
-      const double d2 = thinKm * thinKm;
-      for (qsizetype i = 0; i < shape.km.size(); ++i) {
-        const QPointF p = shape.km[i];
-        if (i > 0 && i + 1 < shape.km.size()) {
-          const QPointF d = p - shape.thin.back();
-          if (d.x() * d.x() + d.y() * d.y() < d2) continue;
-        }
-        shape.thin << p;
-      }
+      shape.thin = thinnedTo(shape.km, thinKm);
       shape.thin.squeeze();
     }
     return shape.thin;
   };
   const QRectF margin = viewKm.adjusted(-viewKm.width() * 0.05, -viewKm.height() * 0.05,
                                         viewKm.width() * 0.05, viewKm.height() * 0.05);
-  const auto gather = [&](std::vector<Shape>& shapes, bool area, bool clockwiseRim) {
+  const auto gather = [&](std::initializer_list<std::vector<Shape>*> lists, bool area,
+                          bool clockwiseRim) {
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
-    for (Shape& shape : shapes) {
-      if (!shape.box.intersects(viewKm)) continue;
-      const QPolygonF& km = thinned(shape);
-      if (!area) {
-        path.addPolygon(km);
-        continue;
+    for (std::vector<Shape>* shapes : lists)
+      for (Shape& shape : *shapes) {
+        if (!shape.box.intersects(viewKm)) continue;
+        const QPolygonF& km = thinned(shape);
+        if (!area) {
+          path.addPolygon(km);
+          continue;
+        }
+        // A large area mostly outside the view is cut to it first.
+        const bool cut = !viewKm.contains(shape.box) && km.size() > 64;
+        path.addPolygon(cut ? clipped(km, margin) : km);
+        path.closeSubpath();
+        if (shape.rim) addRim(path, rim, clockwiseRim);
       }
-      // A large area mostly outside the view is cut to it first.
-      const bool cut = !viewKm.contains(shape.box) && km.size() > 64;
-      path.addPolygon(cut ? clipped(km, margin) : km);
-      path.closeSubpath();
-      if (shape.rim) addRim(path, rim, clockwiseRim);
-    }
     return path;
   };
   painter.save();
   painter.setTransform(t, true);
   if (m_layers & LayerLand) {
-    painter.fillPath(gather(g.land, true, true), kLand);
-    painter.fillPath(gather(g.holes, true, false), kSea);
+    painter.setRenderHint(QPainter::Antialiasing, !(m_layers & LayerCoast));
+    painter.fillPath(gather({&g.land, &g.bigLand}, true, true), kLand);
+    painter.fillPath(gather({&g.holes, &g.bigHoles}, true, false), kSea);
   }
-  if (m_layers & LayerCoast) painter.strokePath(gather(g.coast, false, true), QPen(kCoast, 0));
+  painter.setRenderHint(QPainter::Antialiasing);
+  if (m_layers & LayerCoast) {
+    painter.strokePath(gather({&g.coast, &g.bigCoast}, false, true), QPen(kCoast, 0));
+  }
   if (m_layers & LayerBorders) {
-    painter.strokePath(gather(g.borders, false, true), QPen(kBorder, 0, Qt::DashLine));
+    painter.strokePath(gather({&g.borders}, false, true), QPen(kBorder, 0, Qt::DashLine));
   }
   painter.restore();
   if (m_layers & LayerNight) {
@@ -655,12 +688,11 @@ void MapView::paintStatic(QPainter& painter, QSizeF size) {
     if (m_remote) m_projection.Inverse(m_remote->lat, m_remote->lon, apartKm, apartBearing);
     // The same place twice has no path and no direction.
     if (m_remote && m_own && apartKm > 1e-6) {
-      const double stepKm = std::max(1e-3, 4.0 / s);
-      const PathLines paths = GreatCirclePaths(m_projection, *m_remote, stepKm);
+      const PathLines paths = GreatCirclePaths(m_projection, *m_remote);
       painter.setPen(QPen(kPath, 2));
-      drawLine(painter, paths.shortPath, t, 0.5);
+      painter.drawPolyline(t.map(polygon(paths.shortPath)));
       painter.setPen(QPen(kPath, 1.5, Qt::DashLine));
-      drawLine(painter, paths.longPath, t, 0.5);
+      for (const KmLine& piece : paths.longPath) painter.drawPolyline(t.map(polygon(piece)));
     }
     const auto marker = [&](GeoPoint p, const QString& name, bool own) {
       double x = 0, y = 0;
@@ -686,16 +718,27 @@ void MapView::paintMoving(QPainter& painter, QSizeF size) {
   painter.setRenderHint(QPainter::Antialiasing);
   const QPointF centre = t.map(QPointF(0, 0));
   if ((m_layers & LayerTrack) && !m_track.empty()) {
+    if (m_trackProjected < m_track.size()) {
+      // Only the fixes since the last frame, joined to the line drawn so far.
+      const std::size_t from = m_trackProjected == 0 ? 0 : m_trackProjected - 1;
+      const GeoLine added(m_track.begin() + long(from), m_track.end());
+      for (const KmLine& piece : ProjectLine(m_projection, added, 0.5)) {
+        if (from > 0 && !m_trackKm.empty() && m_trackKm.back().back() == piece.front()) {
+          m_trackKm.back().append(QList<QPointF>(piece.begin() + 1, piece.end()));
+        } else {
+          m_trackKm.push_back(polygon(piece));
+        }
+      }
+      m_trackProjected = m_track.size();
+    }
     painter.setPen(QPen(QColor(120, 0, 160), 2));
-    drawLine(painter, m_track, t, 0.5);
+    // A run of hours holds thousands of fixes a pixel apart; the pen joins only those it shows.
+    for (const QPolygonF& piece : m_trackKm) painter.drawPolyline(thinnedTo(t.map(piece), 0.5));
     // Each square entered, marked where the track entered it.
-    for (std::size_t i = 1; i < m_track.size(); ++i) {
-      const QString from = CoordsToLocator6(m_track[i - 1].lon, m_track[i - 1].lat).left(4);
-      const QString to = CoordsToLocator6(m_track[i].lon, m_track[i].lat).left(4);
-      if (from == to) continue;
-      const QPointF at = pixelOf(m_track[i]);
+    for (const auto& [fix, square] : m_trackSquares) {
+      const QPointF at = pixelOf(m_track[fix]);
       painter.drawRect(QRectF(at - QPointF(3, 3), QSizeF(6, 6)));
-      painter.drawText(at + QPointF(6, 12), to);
+      painter.drawText(at + QPointF(6, 12), square);
     }
     painter.setBrush(QColor(120, 0, 160));
     painter.drawEllipse(pixelOf(m_track.back()), 4, 4);

@@ -68,8 +68,6 @@ class MapView : public QWidget {
   QString centreName() const;
   // Paints the whole view, every layer, at the given size (PNG, PDF, benchmarks).
   void render(QPainter& painter, QSize size);
-  // Projects the land data again, as a new centre would (benchmarks).
-  void reproject();
   // The km-to-pixel scale of the view.
   double pixelsPerKm() const;
   // What a screen reader reads for the picture: the stations, the path and what lies under
@@ -104,19 +102,29 @@ class MapView : public QWidget {
     QPolygonF thin;
     double thinKm = -1;
   };
-  // A ring or line of the data in the smallest cap round it (radians; pi where none is
-  // smaller than a hemisphere), so that a view that cannot reach it skips its projection.
-  struct Cap {
-    UnitVector mid;
-    double radius = 0;
-  };
-  // The land projected for one centre, ring by ring as views need it.
+  // The land projected for one centre, ring by ring as views need it. The rings larger than a
+  // hemisphere are projected out to a reach of their own (bigReachKm) and again when a view
+  // reaches further.
   struct Geometry {
     std::vector<Shape> land, holes, coast, borders;
+    std::vector<Shape> bigLand, bigHoles, bigCoast;
     std::vector<char> ringDone, borderDone;
     double reachKm = -1;  // every ring and line that comes this near the centre is projected
+    double bigReachKm = -1;
   };
-  static std::vector<Cap> capsOf(const std::vector<UnitLine>& lines);
+  // A ring larger than a hemisphere: the caps of its runs, and a place known to lie inside or
+  // outside its area, from which the side of any other centre follows.
+  struct BigRing {
+    std::size_t ring = 0;
+    std::vector<SphereCap> runCaps;
+    std::optional<std::pair<UnitVector, bool>> known;
+  };
+  // What a scale's data needs beyond its points: a cap round each ring and line, so that a view
+  // that cannot reach one skips its projection, and the big rings.
+  struct DataIndex {
+    std::vector<SphereCap> rings, borders;
+    std::vector<BigRing> big;
+  };
   const MapData* data(bool fine);
   Geometry& geometry(bool fine, double reachKm);
   void invalidate();
@@ -134,6 +142,11 @@ class MapView : public QWidget {
   std::optional<double> m_rotorHeading, m_rotorSent;
   std::optional<std::pair<GeoPoint, GeoPoint>> m_boundary;
   GeoLine m_track;
+  // The track projected as far as it has been drawn, and the fixes at which it entered a new
+  // square: a long run is not projected and looked up again every frame.
+  std::vector<QPolygonF> m_trackKm;
+  std::size_t m_trackProjected = 0;
+  std::vector<std::pair<std::size_t, QString>> m_trackSquares;
   unsigned m_layers = LayerAll;
   double m_zoom = 1.0;
   QPointF m_panKm;  // the projected point at the widget's centre
@@ -142,7 +155,7 @@ class MapView : public QWidget {
   std::optional<QPointF> m_dragFrom;
   std::optional<MapData> m_coarseData, m_fineData;
   std::optional<Geometry> m_coarse, m_fine;
-  std::vector<Cap> m_coarseRingCaps, m_coarseBorderCaps, m_fineRingCaps, m_fineBorderCaps;
+  DataIndex m_coarseIndex, m_fineIndex;
   // The grid's lines projected for a stretch of the earth at a sampling step, kept while pans
   // and zooms stay inside it.
   struct GridCache {
