@@ -731,17 +731,23 @@ void MapView::paintMoving(QPainter& painter, QSizeF size) {
       }
       m_trackProjected = m_track.size();
     }
+    // In this drawing's transform, not the widget's: an export has a size of its own.
+    const auto pixel = [&](GeoPoint p) {
+      double x = 0, y = 0;
+      m_projection.Forward(p.lat, p.lon, x, y);
+      return t.map(QPointF(x, y));
+    };
     painter.setPen(QPen(QColor(120, 0, 160), 2));
     // A run of hours holds thousands of fixes a pixel apart; the pen joins only those it shows.
     for (const QPolygonF& piece : m_trackKm) painter.drawPolyline(thinnedTo(t.map(piece), 0.5));
     // Each square entered, marked where the track entered it.
     for (const auto& [fix, square] : m_trackSquares) {
-      const QPointF at = pixelOf(m_track[fix]);
+      const QPointF at = pixel(m_track[fix]);
       painter.drawRect(QRectF(at - QPointF(3, 3), QSizeF(6, 6)));
       painter.drawText(at + QPointF(6, 12), square);
     }
     painter.setBrush(QColor(120, 0, 160));
-    painter.drawEllipse(pixelOf(m_track.back()), 4, 4);
+    painter.drawEllipse(pixel(m_track.back()), 4, 4);
     painter.setBrush(Qt::NoBrush);
   }
   if (m_boundary) {

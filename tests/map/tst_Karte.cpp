@@ -18,6 +18,7 @@
 #include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -25,6 +26,7 @@
 #include <QtTest>
 
 #include <cmath>
+#include <numbers>
 #include <optional>
 
 using namespace marvento;
@@ -32,6 +34,7 @@ using marvento::test::IsolatedUser;
 using marvento::test::Program;
 
 Q_DECLARE_METATYPE(marvento::GeoPoint)
+Q_DECLARE_METATYPE(QList<marvento::GeoPoint>)
 
 namespace {
 
@@ -85,6 +88,38 @@ Readout reference(const MapView& view, QPointF pixel) {
   double s12 = 0, azi1 = 0, azi2 = 0;
   sphere.Inverse(c.lat, c.lon, lat, lon, s12, azi1, azi2);
   return {CoordsToLocator6(lon, lat), s12 / 1000.0, azi1 < 0 ? azi1 + 360.0 : azi1};
+}
+
+// Whether a pixel within radius of a point has nearly the colour, channel by channel.
+bool inkNear(const QImage& image, QPointF at, QColor colour, int tolerance = 40, int radius = 1) {
+  for (int dx = -radius; dx <= radius; ++dx) {
+    for (int dy = -radius; dy <= radius; ++dy) {
+      const QPoint p = at.toPoint() + QPoint(dx, dy);
+      if (!image.rect().contains(p)) continue;
+      const QColor c = image.pixelColor(p);
+      if (std::abs(c.red() - colour.red()) <= tolerance &&
+          std::abs(c.green() - colour.green()) <= tolerance &&
+          std::abs(c.blue() - colour.blue()) <= tolerance) {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+// A map of its own, centred on a place and zoomed, shown offscreen.
+void showMap(MapView& view, std::optional<GeoPoint> own, unsigned layers, double zoom) {
+  view.resize(400, 400);
+  view.setStations(own, std::nullopt, QStringLiteral("JO62"), {}, 6371.0);
+  view.setLayers(layers);
+  view.show();
+  view.setZoom(zoom);
+}
+
+// The place a share of the way from a to b, by degrees (short segments: close to the great
+// circle).
+GeoPoint between(GeoPoint a, GeoPoint b, double f) {
+  return {a.lat + (b.lat - a.lat) * f, a.lon + (b.lon - a.lon) * f};
 }
 
 }  // namespace
@@ -317,6 +352,207 @@ class tst_Karte : public QObject {
     map = mapWindow();
     QVERIFY(map);
     QVERIFY(!(map->picKarte->layers() & LayerGrid));
+  }
+
+  // On a screen of device pixel ratio 2 the map is drawn at full device resolution. The ratio
+  // is fixed when the application starts: the test runs again in a child at scale factor 2.
+  void highDpiDrawsAtDeviceResolution_data() {
+    QTest::addColumn<GeoPoint>("onLine");  // a point of a straight grid line, between labels
+    QTest::addColumn<bool>("vertical");
+    QTest::newRow("meridian") << GeoPoint{12.5, 0} << true;
+    QTest::newRow("parallel") << GeoPoint{10, -5} << false;
+  }
+  void highDpiDrawsAtDeviceResolution() {
+    QFETCH(GeoPoint, onLine);
+    QFETCH(bool, vertical);
+    if (!qEnvironmentVariableIsSet("MARVENTO_TEST_HIDPI")) {
+      QProcess child;
+      QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+      env.insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("2"));
+      env.insert(QStringLiteral("MARVENTO_TEST_HIDPI"), QStringLiteral("1"));
+      child.setProcessEnvironment(env);
+      child.setProcessChannelMode(QProcess::MergedChannels);
+      child.start(
+          QCoreApplication::applicationFilePath(),
+          {QStringLiteral("%1:%2").arg(QTest::currentTestFunction(), QTest::currentDataTag())});
+      QVERIFY(child.waitForFinished(120000));
+      QVERIFY2(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0,
+               child.readAll().constData());
+      return;
+    }
+    MapView view;
+    showMap(view, GeoPoint{5, 10}, LayerGrid, 3);
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QCOMPARE(view.devicePixelRatioF(), 2.0);
+    const QImage sharp = view.grab().toImage();
+    QCOMPARE(sharp.size(), view.size() * 2);
+    // What a picture drawn at ratio 1 and stretched would show.
+    QImage low(view.size(), QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&low);
+    view.render(painter, view.size());
+    painter.end();
+    const QImage stretched = low.scaled(sharp.size());
+    // The device pixels across the line that carry ink, and where they lie.
+    const QPointF at = view.pixelOf(onLine) * 2;
+    const auto across = [&](const QImage& image) {
+      int inked = 0;
+      double sum = 0;
+      for (int d = -8; d <= 8; ++d) {
+        const QPoint p = at.toPoint() + (vertical ? QPoint(d, 0) : QPoint(0, d));
+        if (!inkNear(image, p, Qt::white, 8, 0)) ++inked, sum += vertical ? p.x() : p.y();
+      }
+      return std::pair(inked, inked ? sum / inked : 0.0);
+    };
+    const auto [sharpInk, sharpMid] = across(sharp);
+    const auto [stretchedInk, stretchedMid] = across(stretched);
+    QVERIFY2(sharpInk > 0 && sharpInk < stretchedInk,
+             qPrintable(QStringLiteral("%1 vs %2").arg(sharpInk).arg(stretchedInk)));
+    QVERIFY2(std::fabs(sharpMid - (vertical ? at.x() : at.y())) <= 1.5,
+             qPrintable(QString::number(sharpMid)));
+  }
+
+  // The grid line ahead of a rover lies on its segment, and goes when unset.
+  void boundaryAheadFollowsTheSegment_data() {
+    QTest::addColumn<GeoPoint>("from");
+    QTest::addColumn<GeoPoint>("to");
+    QTest::newRow("meridian") << GeoPoint{52, 12} << GeoPoint{53, 12};
+    QTest::newRow("parallel") << GeoPoint{53, 12} << GeoPoint{53, 14};
+  }
+  void boundaryAheadFollowsTheSegment() {
+    QFETCH(GeoPoint, from);
+    QFETCH(GeoPoint, to);
+    const QColor orange(255, 140, 0);
+    MapView view;
+    showMap(view, GeoPoint{52.5, 12.5}, LayerAll, 150);
+    view.setBoundaryAhead(std::pair(from, to));
+    QImage image = view.grab().toImage();
+    for (double f = 0.05; f < 1; f += 0.1) {
+      const QPointF at = view.pixelOf(between(from, to, f));
+      QVERIFY2(inkNear(image, at, orange, 40, 2), qPrintable(QString::number(f)));
+    }
+    // Not beyond its ends.
+    for (double f : {-0.3, 1.3})
+      QVERIFY(!inkNear(image, view.pixelOf(between(from, to, f)), orange));
+    view.setBoundaryAhead(std::nullopt);
+    image = view.grab().toImage();
+    for (double f = 0.05; f < 1; f += 0.1) {
+      QVERIFY(!inkNear(image, view.pixelOf(between(from, to, f)), orange, 40, 2));
+    }
+  }
+
+  // The track's line, and a mark at each fix that entered another square, on screen and in
+  // an export at twice the size.
+  void trackMarksEachSquareCrossed_data() {
+    QTest::addColumn<QList<GeoPoint>>("fixes");
+    QTest::addColumn<QList<int>>("marked");
+    QTest::newRow("east into JO62") << QList<GeoPoint>{{52.5, 11.55},
+                                                       {52.5, 11.75},
+                                                       {52.5, 11.95},
+                                                       {52.5, 12.15},
+                                                       {52.5, 12.35}}
+                                    << QList<int>{3};
+    QTest::newRow("north and back") << QList<GeoPoint>{{52.6, 13.5},  {52.8, 13.5}, {53.05, 13.5},
+                                                       {53.25, 13.5}, {52.9, 13.5}, {52.7, 13.5}}
+                                    << QList<int>{2, 4};
+    QTest::newRow("across a corner")
+        << QList<GeoPoint>{{52.7, 11.7}, {52.9, 11.9}, {53.1, 12.1}, {53.3, 12.3}} << QList<int>{2};
+    QTest::newRow("inside one square")
+        << QList<GeoPoint>{{52.2, 12.2}, {52.4, 12.5}, {52.6, 12.8}, {52.4, 13.1}} << QList<int>{};
+  }
+  void trackMarksEachSquareCrossed() {
+    QFETCH(QList<GeoPoint>, fixes);
+    QFETCH(QList<int>, marked);
+    const QColor purple(120, 0, 160);
+    MapView view;
+    GeoPoint mean;
+    for (const GeoPoint& fix : fixes)
+      mean = {mean.lat + fix.lat / fixes.size(), mean.lon + fix.lon / fixes.size()};
+    showMap(view, mean, LayerTrack, 300);
+    for (const GeoPoint& fix : fixes) view.addFix(fix);
+    QImage exported(view.size() * 2, QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&exported);
+    view.render(painter, exported.size());
+    painter.end();
+    for (const auto& [image, scale] :
+         {std::pair(view.grab().toImage(), 1.0), std::pair(exported, 2.0)}) {
+      const auto pixel = [&](GeoPoint p) { return view.pixelOf(p) * scale; };
+      for (qsizetype i = 0; i < fixes.size(); ++i) {
+        if (i > 0) {
+          QVERIFY(inkNear(image, (pixel(fixes[i - 1]) + pixel(fixes[i])) / 2, purple));
+        }
+        // A mark outlines a square round the fix, the ring of pixels three away from it; the
+        // line alone crosses that ring twice. The last fix carries the position dot instead.
+        if (i + 1 == fixes.size()) continue;
+        const QPoint at = pixel(fixes[i]).toPoint();
+        int outline = 0;
+        for (int dx = -3; dx <= 3; ++dx) {
+          for (int dy = -3; dy <= 3; ++dy) {
+            if (std::max(std::abs(dx), std::abs(dy)) == 3) {
+              outline += inkNear(image, at + QPoint(dx, dy), purple, 130, 0);
+            }
+          }
+        }
+        QVERIFY2(
+            (outline >= 16) == marked.contains(int(i)),
+            qPrintable(QStringLiteral("fix %1 at scale %2: %3").arg(i).arg(scale).arg(outline)));
+      }
+    }
+  }
+
+  // The needle along the rotor's heading from the own station, north up; the bearing sent
+  // as a line of its own; nothing with the layer off.
+  void rotorNeedleAlongTheHeading_data() {
+    QTest::addColumn<double>("heading");
+    QTest::addColumn<double>("sent");
+    QTest::newRow("north, sent south-west") << 0.0 << 240.0;
+    QTest::newRow("north-east, sent north-west") << 45.0 << 300.0;
+    QTest::newRow("south-south-west, sent south-east") << 200.0 << 140.0;
+    QTest::newRow("just west of north") << 350.0 << 20.0;
+  }
+  void rotorNeedleAlongTheHeading() {
+    QFETCH(double, heading);
+    QFETCH(double, sent);
+    const QColor blue(0, 90, 200);
+    MapView view;
+    const GeoPoint own{52.5, 13.4};
+    showMap(view, own, LayerRotor, 1);
+    const QPointF centre = view.pixelOf(own);
+    const auto ray = [&](const QImage& image, double bearing, int tolerance) {
+      int inked = 0, samples = 0;
+      for (double r = 30; r <= 180; r += 4, ++samples) {
+        const QPointF dir(std::sin(bearing * std::numbers::pi / 180),
+                          -std::cos(bearing * std::numbers::pi / 180));
+        inked += inkNear(image, centre + dir * r, blue, tolerance);
+      }
+      return double(inked) / samples;
+    };
+    view.setRotor(heading, std::nullopt);
+    QImage image = view.grab().toImage();
+    QCOMPARE(ray(image, heading, 40), 1.0);
+    QCOMPARE(ray(image, heading + 12, 140), 0.0);
+    QCOMPARE(ray(image, heading - 12, 140), 0.0);
+    QCOMPARE(ray(image, sent, 140), 0.0);
+    // The sent bearing: a thin broken line; the needle stays.
+    view.setRotor(heading, sent);
+    image = view.grab().toImage();
+    QVERIFY(ray(image, sent, 140) > 0.3);
+    QCOMPARE(ray(image, heading, 40), 1.0);
+    // The rotor turns on: the needle moves, the sent line stays.
+    view.setRotor(heading + 90, std::nullopt);
+    image = view.grab().toImage();
+    QCOMPARE(ray(image, heading + 90, 40), 1.0);
+    QCOMPARE(ray(image, heading, 140), 0.0);
+    QVERIFY(ray(image, sent, 140) > 0.3);
+    view.setLayers(0);
+    image = view.grab().toImage();
+    int blueish = 0;
+    for (int y = 0; y < image.height(); ++y) {
+      for (int x = 0; x < image.width(); ++x) {
+        const QColor c = image.pixelColor(x, y);
+        blueish += c.blue() - c.red() >= 30;
+      }
+    }
+    QCOMPARE(blueish, 0);
   }
 };
 
