@@ -9,8 +9,10 @@
 
 #include <benchmark/benchmark.h>
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QImage>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QPicture>
 
@@ -123,6 +125,44 @@ BENCHMARK(BM_WidgetFrame)
     ->Args({1, 1})
     ->ArgNames({"europe", "full"})
     ->Unit(benchmark::kMillisecond);
+
+// The longest the event loop is held by one step of a user who zooms in from the whole earth
+// to about 20 km across, pans, and zooms out again by keyboard: each key press with the paint
+// it brings. A fresh map each round, so that the first round loads the finer data.
+void BM_ZoomPanStall(benchmark::State& state) {
+  double longest = 0, total = 0;
+  int steps = 0;
+  for (auto _ : state) {
+    MapView v;
+    v.resize(kSize);
+    v.setStations(kOwn, kRemote, QStringLiteral("JO62QM"), QStringLiteral("FN42KI"), 6371.0);
+    v.show();
+    QCoreApplication::processEvents();
+    const auto press = [&](int key, int times) {
+      for (int i = 0; i < times; ++i) {
+        QElapsedTimer held;
+        held.start();
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+        QCoreApplication::sendEvent(&v, &event);
+        QCoreApplication::processEvents();
+        const double ms = double(held.nsecsElapsed()) / 1e6;
+        longest = std::max(longest, ms);
+        total += ms;
+        ++steps;
+      }
+    };
+    press(Qt::Key_Plus, 19);
+    press(Qt::Key_Right, 20);
+    press(Qt::Key_Down, 20);
+    press(Qt::Key_Minus, 19);
+    press(Qt::Key_Plus, 8);
+    press(Qt::Key_Left, 30);
+    press(Qt::Key_Home, 1);
+  }
+  state.counters["longest_ms"] = longest;
+  state.counters["mean_ms"] = total / std::max(1, steps);
+}
+BENCHMARK(BM_ZoomPanStall)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 // The peers' way: every pixel of the view projected back and looked up in a world raster.
 void BM_RasterReproject(benchmark::State& state) {

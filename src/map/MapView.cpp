@@ -12,6 +12,7 @@
 #include <QLocale>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QThread>
 #include <QTimer>
 #include <QWheelEvent>
 
@@ -122,6 +123,81 @@ QPolygonF clipped(const QPolygonF& polygon, const QRectF& rect) {
   return current;
 }
 
+// Whether two boxes share a point. QRectF::intersects misses a box of no width or height: the
+// bounds of a grid line or a coast that runs exactly north-south or east-west on the map.
+bool overlaps(const QRectF& a, const QRectF& b) {
+  return a.left() <= b.right() && b.left() <= a.right() && a.top() <= b.bottom() &&
+         b.top() <= a.bottom();
+}
+
+// The part of the segment a-b inside a rectangle (Liang and Barsky), and how far along the
+// segment it starts; unset when none is inside.
+std::optional<std::pair<QLineF, double>> clippedSegment(QPointF a, QPointF b, const QRectF& r) {
+  const QPointF d = b - a;
+  double lo = 0, hi = 1;
+  const double p[] = {-d.x(), d.x(), -d.y(), d.y()};
+  const double q[] = {a.x() - r.left(), r.right() - a.x(), a.y() - r.top(), r.bottom() - a.y()};
+  for (int i = 0; i < 4; ++i) {
+    if (p[i] == 0) {
+      if (q[i] < 0) return std::nullopt;
+      continue;
+    }
+    const double f = q[i] / p[i];
+    if (p[i] < 0) {
+      lo = std::max(lo, f);
+    } else {
+      hi = std::min(hi, f);
+    }
+  }
+  if (lo > hi) return std::nullopt;
+  return std::pair{QLineF(a + d * lo, a + d * hi), std::hypot(d.x(), d.y()) * lo};
+}
+
+// How near and how far a view's pixels lie from a point (pixels): a circle round it crosses
+// the view only with a radius in between.
+std::pair<double, double> reachOfView(QPointF c, const QRectF& view) {
+  const double dx = std::max({view.left() - c.x(), 0.0, c.x() - view.right()});
+  const double dy = std::max({view.top() - c.y(), 0.0, c.y() - view.bottom()});
+  double far = 0;
+  for (const QPointF corner :
+       {view.topLeft(), view.topRight(), view.bottomLeft(), view.bottomRight()})
+    far = std::max(far, std::hypot(corner.x() - c.x(), corner.y() - c.y()));
+  return {std::hypot(dx, dy), far};
+}
+
+// The part of a circle round c (pixels) that a view can show. A circle many times the view's
+// size is nearly straight there, and Qt would flatten (and dash) the whole of it.
+QPolygonF arcInView(QPointF c, double r, const QRectF& view) {
+  const double mid = std::atan2(view.center().y() - c.y(), view.center().x() - c.x());
+  double lo = 0, hi = 0;
+  for (const QPointF corner :
+       {view.topLeft(), view.topRight(), view.bottomLeft(), view.bottomRight()}) {
+    const double a = std::remainder(std::atan2(corner.y() - c.y(), corner.x() - c.x()) - mid,
+                                    2 * std::numbers::pi);
+    lo = std::min(lo, a);
+    hi = std::max(hi, a);
+  }
+  // Points no further apart than keeps the chord within a quarter pixel of the circle.
+  const double step = std::min(std::numbers::pi / 360, std::sqrt(2.0 / r));
+  const int n = std::clamp(static_cast<int>(std::ceil((hi - lo) / step)), 2, 20000);
+  QPolygonF arc;
+  arc.reserve(n + 1);
+  for (int i = 0; i <= n; ++i) {
+    const double a = mid + lo + (hi - lo) * i / n;
+    arc << c + QPointF(std::cos(a), std::sin(a)) * r;
+  }
+  return arc;
+}
+
+// A circle as a line: whole while it is not much larger than the view, else the part in view.
+void drawCircle(QPainter& painter, QPointF c, double r, const QRectF& view) {
+  if (r < 4 * std::hypot(view.width(), view.height())) {
+    painter.drawEllipse(c, r, r);
+  } else {
+    painter.drawPolyline(arcInView(c, r, view));
+  }
+}
+
 // Numbers in the machine's decimal sign, without thousands separators (as the main window).
 QString number(double value, int decimals) {
   QLocale locale;
@@ -150,11 +226,27 @@ MapView::MapView(QWidget* parent) : QWidget(parent) {
   m_minute->start();
 }
 
-const MapData* MapView::data(bool fine) {
-  std::optional<MapData>& slot = fine ? m_fineData : m_coarseData;
-  if (!slot) slot = loadData(fine ? QStringLiteral("ne50m.bin") : QStringLiteral("ne110m.bin"));
-  if (!slot) slot = MapData{};
-  return &*slot;
+MapView::~MapView() {
+  if (m_fineLoader) m_fineLoader->wait();
+}
+
+void MapView::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  if (m_fineLoader || m_fineScale) return;
+  m_fineLoader = QThread::create([this] { m_fineLoaded = loadScale(true); });
+  m_fineLoader->setParent(this);
+  m_fineLoader->start(QThread::LowPriority);
+}
+
+MapView::Scale& MapView::scale(bool fine) {
+  std::optional<Scale>& slot = fine ? m_fineScale : m_coarseScale;
+  if (!slot && fine && m_fineLoader) {
+    m_fineLoader->wait();
+    slot = std::move(m_fineLoaded);
+    m_fineLoaded.reset();
+  }
+  if (!slot) slot = loadScale(fine);
+  return *slot;
 }
 
 namespace {
@@ -176,23 +268,39 @@ std::vector<SphereCap> capsOf(const std::vector<UnitLine>& lines) {
 
 }  // namespace
 
+MapView::Scale MapView::loadScale(bool fine) {
+  Scale scale;
+  scale.data = loadData(fine ? QStringLiteral("ne50m.bin") : QStringLiteral("ne110m.bin"))
+                   .value_or(MapData{});
+  const MapData& d = scale.data;
+  DataIndex& index = scale.index;
+  index.rings = capsOf(d.outerUnit);
+  const std::vector<SphereCap> holes = capsOf(d.holesUnit);
+  index.rings.insert(index.rings.end(), holes.begin(), holes.end());
+  index.borders = capsOf(d.bordersUnit);
+  // The big rings' sides seen from the north pole, so that no view has to project one whole.
+  const GeoPoint pole{90, 0};
+  const AzimuthalProjection fromPole(pole);
+  for (std::size_t i = 0; i < index.rings.size(); ++i) {
+    if (index.rings[i].radius < std::numbers::pi / 2) continue;
+    const bool outer = i < d.outerUnit.size();
+    const UnitLine& ring = outer ? d.outerUnit[i] : d.holesUnit[i - d.outerUnit.size()];
+    const KmRing r = ProjectRing(fromPole, ring, 1.0);
+    const bool rim = r.anticlockwise == outer;
+    index.big.push_back(
+        {i, RingRunCaps(ring), std::pair{unit(pole), rim != (r.windingAtCentre != 0)}});
+  }
+  return scale;
+}
+
 MapView::Geometry& MapView::geometry(bool fine, double reachKm) {
-  const MapData* d = data(fine);
-  DataIndex& index = fine ? m_fineIndex : m_coarseIndex;
+  Scale& sc = scale(fine);
+  const MapData* d = &sc.data;
+  DataIndex& index = sc.index;
   const std::size_t rings = d->outerUnit.size() + d->holesUnit.size();
   const auto ringAt = [d](std::size_t i) -> const UnitLine& {
     return i < d->outerUnit.size() ? d->outerUnit[i] : d->holesUnit[i - d->outerUnit.size()];
   };
-  if (index.rings.size() != rings) {
-    index.rings = capsOf(d->outerUnit);
-    const std::vector<SphereCap> holes = capsOf(d->holesUnit);
-    index.rings.insert(index.rings.end(), holes.begin(), holes.end());
-    index.borders = capsOf(d->bordersUnit);
-    for (std::size_t i = 0; i < rings; ++i) {
-      if (index.rings[i].radius >= std::numbers::pi / 2)
-        index.big.push_back({i, RingRunCaps(ringAt(i)), std::nullopt});
-    }
-  }
   std::optional<Geometry>& slot = fine ? m_fine : m_coarse;
   if (!slot) {
     slot = Geometry{};
@@ -434,10 +542,10 @@ void MapView::drawLine(QPainter& painter, const GeoLine& line, const QTransform&
 
 void MapView::drawGrid(QPainter& painter, const QTransform& t, QSizeF size) {
   const double s = t.m11();
-  // The finest level whose cells are at least 10 pixels high: fields (10°), squares (1°),
-  // subsquares (2.5').
+  // The finest level whose cells are at least 20 pixels high, room for their labels: fields (10°),
+  // squares (1°), subsquares (2.5').
   const double kmPerDeg = m_projection.radiusKm() * kDeg;
-  const int level = s * kmPerDeg / 24.0 >= 10 ? 2 : s * kmPerDeg >= 10 ? 1 : 0;
+  const int level = s * kmPerDeg / 24.0 >= 20 ? 2 : s * kmPerDeg >= 20 ? 1 : 0;
   double south = -90, north = 90, west = -180, east = 180;
   if (level > 0) {
     // The view's bounds in degrees, from points round its edge.
@@ -505,7 +613,7 @@ void MapView::drawGrid(QPainter& painter, const QTransform& t, QSizeF size) {
   const QRectF viewKm = t.inverted().mapRect(QRectF(QPointF(0, 0), size));
   QPainterPath lines;
   for (const Shape& shape : m_grid->lines) {
-    if (shape.box.intersects(viewKm)) lines.addPolygon(shape.km);
+    if (overlaps(shape.box, viewKm)) lines.addPolygon(shape.km);
   }
   painter.save();
   painter.setTransform(t, true);
@@ -559,16 +667,18 @@ void MapView::drawRingsAndScale(QPainter& painter, const QTransform& t, QSizeF s
   const QPointF viewKm = t.inverted().map(QPointF(size.width() / 2, size.height() / 2));
   const double nearKm = std::max(0.0, std::hypot(viewKm.x(), viewKm.y()) - spanKm);
   const double farKm = std::hypot(viewKm.x(), viewKm.y()) + spanKm;
+  const QRectF view(QPointF(0, 0), size);
+  const auto [nearPx, farPx] = reachOfView(centre, view);
   for (double r = std::max(spacing, std::floor(nearKm / spacing) * spacing);
        r < std::min(rim, farKm) && r < spacing * 500; r += spacing) {
-    painter.drawEllipse(centre, r * s, r * s);
+    if (r * s < nearPx || r * s > farPx) continue;
+    drawCircle(painter, centre, r * s, view);
     painter.drawText(centre + QPointF(3, -r * s - 2), km(r) + QStringLiteral(" km"));
   }
   painter.setPen(QPen(kCoast, 0));
-  painter.drawEllipse(centre, rim * s, rim * s);
+  if (rim * s >= nearPx && rim * s <= farPx) drawCircle(painter, centre, rim * s, view);
 
   // Bearing ticks where each direction from the own station leaves the view.
-  const QRectF view(QPointF(0, 0), size);
   painter.setPen(QPen(Qt::black, 0));
   for (int b = 0; b < 360; b += 10) {
     const QPointF dir(std::sin(b * kDeg), -std::cos(b * kDeg));
@@ -609,11 +719,29 @@ void MapView::paintStatic(QPainter& painter, QSizeF size) {
   painter.fillRect(QRectF(QPointF(0, 0), size), palette().window());
   painter.setRenderHint(QPainter::Antialiasing);
   const double rim = m_projection.antipodeKm();
-  QPainterPath disc;
-  addRim(disc, rim, true);
-  const QPainterPath discPx = t.map(disc);
-  painter.setClipPath(discPx);
-  painter.fillPath(discPx, (m_layers & LayerLand) ? kSea : Qt::white);
+  const QRectF viewPx(QPointF(0, 0), size);
+  const QPointF centrePx = t.map(QPointF(0, 0));
+  const double rimPx = rim * s;
+  const QColor sea = (m_layers & LayerLand) ? kSea : Qt::white;
+  // The earth's disc; a view inside it needs no clip, and the edge of a disc much larger than
+  // the view is drawn only where it passes.
+  if (reachOfView(centrePx, viewPx).second <= rimPx) {
+    painter.fillRect(viewPx, sea);
+  } else {
+    QPainterPath discPx;
+    if (rimPx < 4 * std::hypot(size.width(), size.height())) {
+      QPainterPath disc;
+      addRim(disc, rim, true);
+      discPx = t.map(disc);
+    } else {
+      QPolygonF sector = arcInView(centrePx, rimPx, viewPx);
+      sector << centrePx;
+      discPx.addPolygon(sector);
+      discPx.closeSubpath();
+    }
+    painter.setClipPath(discPx);
+    painter.fillPath(discPx, sea);
+  }
   const bool fine = std::min(size.width(), size.height()) / s < kFineSpanKm;
   // Only the shapes that reach into the view, gathered into one path per layer.
   const QRectF viewKm = t.inverted().mapRect(QRectF(QPointF(0, 0), size));
@@ -644,7 +772,7 @@ void MapView::paintStatic(QPainter& painter, QSizeF size) {
     path.setFillRule(Qt::WindingFill);
     for (std::vector<Shape>* shapes : lists)
       for (Shape& shape : *shapes) {
-        if (!shape.box.intersects(viewKm)) continue;
+        if (!overlaps(shape.box, viewKm)) continue;
         const QPolygonF& km = thinned(shape);
         if (!area) {
           path.addPolygon(km);
@@ -677,7 +805,13 @@ void MapView::paintStatic(QPainter& painter, QSizeF size) {
     QPainterPath night;
     night.setFillRule(Qt::WindingFill);
     addArea(night, m_projection, Terminator(QDateTime::currentDateTimeUtc()), 2.0, true);
-    painter.fillPath(t.map(night), QColor(0, 0, 40, 45));
+    // Cut to the view first: zoomed in, the night's edge and the outer circle run far outside.
+    const QRectF margin = viewPx.adjusted(-4, -4, 4, 4);
+    QPainterPath inView;
+    inView.setFillRule(Qt::WindingFill);
+    for (const QPolygonF& part : night.toSubpathPolygons(t))
+      inView.addPolygon(clipped(part, margin));
+    painter.fillPath(inView, QColor(0, 0, 40, 45));
   }
   if (m_layers & LayerGrid) drawGrid(painter, t, size);
   painter.setClipping(false);
@@ -688,11 +822,21 @@ void MapView::paintStatic(QPainter& painter, QSizeF size) {
     if (m_remote) m_projection.Inverse(m_remote->lat, m_remote->lon, apartKm, apartBearing);
     // The same place twice has no path and no direction.
     if (m_remote && m_own && apartKm > 1e-6) {
+      // Zoomed in, the paths run thousands of view widths beyond it; Qt would lay out every
+      // dash of that. Cut to the view, the dashes keep their place along the line.
       const PathLines paths = GreatCirclePaths(m_projection, *m_remote);
-      painter.setPen(QPen(kPath, 2));
-      painter.drawPolyline(t.map(polygon(paths.shortPath)));
-      painter.setPen(QPen(kPath, 1.5, Qt::DashLine));
-      for (const KmLine& piece : paths.longPath) painter.drawPolyline(t.map(polygon(piece)));
+      const QRectF margin = viewPx.adjusted(-8, -8, 8, 8);
+      const auto draw = [&](const KmLine& line, QPen pen) {
+        for (std::size_t i = 1; i < line.size(); ++i) {
+          const auto part = clippedSegment(t.map(line[i - 1]), t.map(line[i]), margin);
+          if (!part) continue;
+          pen.setDashOffset(part->second / pen.widthF());
+          painter.setPen(pen);
+          painter.drawLine(part->first);
+        }
+      };
+      draw(paths.shortPath, QPen(kPath, 2));
+      for (const KmLine& piece : paths.longPath) draw(piece, QPen(kPath, 1.5, Qt::DashLine));
     }
     const auto marker = [&](GeoPoint p, const QString& name, bool own) {
       double x = 0, y = 0;

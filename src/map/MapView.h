@@ -13,6 +13,7 @@
 #include <optional>
 #include <utility>
 
+class QThread;
 class QTimer;
 
 namespace marvento {
@@ -42,6 +43,7 @@ class MapView : public QWidget {
 
  public:
   explicit MapView(QWidget* parent = nullptr);
+  ~MapView() override;
 
   void setStations(std::optional<GeoPoint> own, std::optional<GeoPoint> remote,
                    const QString& ownLocator, const QString& remoteLocator, double radiusKm);
@@ -82,6 +84,7 @@ class MapView : public QWidget {
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void showEvent(QShowEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
@@ -125,7 +128,13 @@ class MapView : public QWidget {
     std::vector<SphereCap> rings, borders;
     std::vector<BigRing> big;
   };
-  const MapData* data(bool fine);
+  // One scale of the data with its index; read in any thread.
+  struct Scale {
+    MapData data;
+    DataIndex index;
+  };
+  static Scale loadScale(bool fine);
+  Scale& scale(bool fine);
   Geometry& geometry(bool fine, double reachKm);
   void invalidate();
   QTransform kmToPixel(QSizeF size) const;
@@ -153,9 +162,12 @@ class MapView : public QWidget {
   std::optional<QPointF> m_cursor;
   std::optional<QPointF> m_keyCursor;
   std::optional<QPointF> m_dragFrom;
-  std::optional<MapData> m_coarseData, m_fineData;
+  std::optional<Scale> m_coarseScale, m_fineScale;
+  // Reads the finer data while the window shows the coarse one, so that the first zoom past
+  // a continent's size does not wait for it; m_fineLoaded is read once the loader has ended.
+  QThread* m_fineLoader = nullptr;
+  std::optional<Scale> m_fineLoaded;
   std::optional<Geometry> m_coarse, m_fine;
-  DataIndex m_coarseIndex, m_fineIndex;
   // The grid's lines projected for a stretch of the earth at a sampling step, kept while pans
   // and zooms stay inside it.
   struct GridCache {
