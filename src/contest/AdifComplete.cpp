@@ -234,7 +234,8 @@ AdifResult Completer::run() {
       continue;
     }
     const qsizetype dataStart = gt + 1;
-    if (!m_passing && dataStart - m_start + len > kRecordCap) {
+    // Compared without adding: a field may claim a length near the largest number.
+    if (!m_passing && len > kRecordCap - (dataStart - m_start)) {
       ++m_result.tooLong;
       m_passing = true;
       m_fields.clear();

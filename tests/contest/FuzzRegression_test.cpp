@@ -1,3 +1,4 @@
+#include "contest/AdifComplete.h"
 #include "contest/EdiCheck.h"
 #include "contest/EdiFix.h"
 
@@ -62,7 +63,8 @@ TEST(ContestFuzzRegression, TotalLineNearTheLimitKeepsItsPlace) {
     SCOPED_TRACE((QByteArray(c.key) + " " + QByteArray::number(c.padding)).toStdString());
     QByteArray first = QByteArray(c.key) + "=,0;";
     first += QByteArray(options.lineCap - c.padding - first.size(), 'x');
-    const QByteArray log = "[REG1TEST;1]\nPWWLo=JO61QM\n" + first + "\n" + c.key + "=8;0;\n" + records;
+    const QByteArray log =
+        "[REG1TEST;1]\nPWWLo=JO61QM\n" + first + "\n" + c.key + "=8;0;\n" + records;
     const EdiCheck before = check(log, options);
     ASSERT_TRUE(before.ok());
     const auto slot = [&c](const EdiCheck& e) {
@@ -81,6 +83,28 @@ TEST(ContestFuzzRegression, TotalLineNearTheLimitKeepsItsPlace) {
         EXPECT_EQ(line.toStdString(), first.toStdString()) << "only a line already too long";
       }
     }
+  }
+}
+
+// fuzz_adif: a field length near the largest 64-bit number overflowed when added to the
+// record's length so far (UndefinedBehaviorSanitizer). Such a field runs to the end of the
+// file: the record is too long to hold and goes out unchanged.
+TEST(ContestFuzzRegression, FieldLengthNearTheLargestNumber) {
+  for (const QByteArray& length :
+       {QByteArray("9223372036854775805"), QByteArray("9223372036854775807"),
+        QByteArray("0009223372036854775806")}) {
+    const QByteArray adif =
+        "<ADIF_VER:5>3.1.4 <EOH>\n<call:4>G4AB <my_gridsquare:6>JO62QM <gridsquare:" + length +
+        ">IO91 <eor>\n<call:4>DL1X <eor>\n";
+    QBuffer in;
+    in.setData(adif);
+    in.open(QIODevice::ReadOnly);
+    QBuffer out;
+    out.open(QIODevice::WriteOnly);
+    const AdifResult result = CompleteAdif(in, out, {});
+    EXPECT_TRUE(result.ok());
+    EXPECT_EQ(result.tooLong, 1);
+    EXPECT_EQ(out.data(), adif);
   }
 }
 
