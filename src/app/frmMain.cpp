@@ -6,6 +6,7 @@
 #include "app/InstanceGuard.h"
 #include "app/MainAccess.h"
 #include "app/SettingsStore.h"
+#include "app/StatusPanels.h"
 #include "contest/AdifCommand.h"
 #include "contest/ContestFigures.h"
 #include "contest/frmContestLog.h"
@@ -75,13 +76,6 @@ constexpr double kColumnWidth[] = {1935, 1800, 1800};
 constexpr double kClientWidth = 6420;
 constexpr double kFieldHeight = 345;
 constexpr double kLabelHeight = 255;
-
-QString shortDate(const QDate& date) {
-  // The German short form writes the year with two digits; the status bar shows all four.
-  QString format = QLocale().dateFormat(QLocale::ShortFormat);
-  if (!format.contains(u"yyyy")) format.replace(QStringLiteral("yy"), QStringLiteral("yyyy"));
-  return QLocale().toString(date, format);
-}
 
 QColor ReadableOn(const QColor& background, const QColor& preferred) {
   return QColor::fromRgb(ReadableTextOn(background.rgb(), preferred.rgb()));
@@ -470,46 +464,15 @@ void frmMain::buildToolBar() {
 }
 
 void frmMain::buildStatusBar() {
-  sbStatusBar = new QStatusBar(this);
-  sbStatusBar->setObjectName(QStringLiteral("sbStatusBar"));
-  sbStatusBar->setSizeGripEnabled(false);
-  setStatusBar(sbStatusBar);
-
-  // Each panel is as wide as on a small font, or wider where the font needs it for its widest
-  // text.
-  auto panel = [&](const char* name, const QString& text, const QString& tip, double width,
-                   const QString& widest) {
-    auto* p = new QLabel(text, sbStatusBar);
-    p->setObjectName(QString::fromLatin1(name));
-    p->setToolTip(tip);
-    p->setFrameStyle(QFrame::Panel | QFrame::Sunken);
-    p->setFixedWidth(std::max(TwipsToPx(width), p->fontMetrics().horizontalAdvance(widest) + 12));
-    p->setIndent(2);
-    sbStatusBar->addWidget(p);
-    return p;
-  };
-  Panel1 = panel("Panel1", QStringLiteral("Status:"), QStringLiteral("Grundeinstellungen"), 2200,
-                 QStringLiteral("Status: GPS aus (Com29)"));
-  Panel2 = panel("Panel2", QString(), QStringLiteral("letzte GPS-Daten (UTC)"), 1008,
-                 QStringLiteral("23:59:60"));
-  Panel3 = panel("Panel3", QStringLiteral("EINFG"), QStringLiteral("Einfüge-Modus"), 800,
-                 QStringLiteral("EINFG"));
-  Panel3->setAlignment(Qt::AlignCenter);
-  Panel4 = panel("Panel4", QString(), QStringLiteral("Datum"), 900, shortDate(QDate(2000, 12, 28)));
-  Panel4->setAlignment(Qt::AlignCenter);
-  Panel5 =
-      panel("Panel5", QString(), QStringLiteral("System-Zeit"), 876, QStringLiteral("00:00:00"));
-  Panel5->setAlignment(Qt::AlignCenter);
-  Panel6 = panel("Panel6", QString(), QStringLiteral("Richtung des Rotors"), 900,
-                 QStringLiteral("Rotor 359°"));
-  Panel6->setAlignment(Qt::AlignCenter);
-  Panel6->setVisible(false);
-
-  m_clockTimer = new QTimer(this);
-  m_clockTimer->setObjectName(QStringLiteral("sbClock"));
-  m_clockTimer->setInterval(1000);
-  connect(m_clockTimer, &QTimer::timeout, this, &frmMain::updateClockPanels);
-  updateClockPanels();
+  const StatusPanels panels = BuildStatusPanels(this);
+  sbStatusBar = panels.bar;
+  Panel1 = panels.settings;
+  Panel2 = panels.gpsTime;
+  Panel3 = panels.insertMode;
+  Panel4 = panels.date;
+  Panel5 = panels.time;
+  Panel6 = panels.rotor;
+  m_clockTimer = panels.clock;
 }
 
 void frmMain::fitWidth() {
@@ -523,11 +486,6 @@ void frmMain::fitWidth() {
                         static_cast<QWidget*>(lbKurs), static_cast<QWidget*>(lbFeldrand)}) {
     line->resize(width, line->height());
   }
-}
-
-void frmMain::updateClockPanels() {
-  Panel4->setText(shortDate(QDate::currentDate()));
-  Panel5->setText(QTime::currentTime().toString(QStringLiteral("HH:mm:ss")));
 }
 
 void frmMain::fillRadiusList() {

@@ -183,7 +183,6 @@ class frmMain : public QMainWindow {
   void fitWidth();
   void fillRadiusList();
   void placeWindow();
-  void updateClockPanels();
   bool Form_QueryUnload();
   void Form_Unload();
   void Form_KeyPress(QObject* target, int keyAscii, const QString& text);
