@@ -632,9 +632,21 @@ void MapView::drawGrid(QPainter& painter, const QTransform& t, QSizeF size) {
   if (lonSpan <= 0) lonSpan += 360;
   const double firstLon = -180 + std::floor((west + 180) / dLon) * dLon;
   const double firstLat = -90 + std::floor((south + 90) / dLat) * dLat;
+  // Where more cells show than a few hundred labels, every second (third, ...) row and column
+  // of the grid keeps its label, so that the labels stay spread over the view and in place
+  // while it pans.
+  const double midLat = (south + north) / 2;
+  const double cellPx = s * kmPerDeg * dLat * s * kmPerDeg * dLon *
+                        std::max(0.2, std::cos(std::clamp(midLat, -80.0, 80.0) * kDeg));
+  const int stride =
+      level == 0
+          ? 1
+          : std::max(1, int(std::ceil(std::sqrt(size.width() * size.height() / cellPx / 300))));
   int drawn = 0;
-  for (double lat = firstLat; lat < north && drawn < 400; lat += dLat) {
-    for (double lon = firstLon; lon < firstLon + lonSpan + dLon && drawn < 400; lon += dLon) {
+  for (double lat = firstLat; lat < north && drawn < 1000; lat += dLat) {
+    if (std::lround((lat + 90) / dLat) % stride != 0) continue;
+    for (double lon = firstLon; lon < firstLon + lonSpan + dLon && drawn < 1000; lon += dLon) {
+      if (std::lround((lon + 180) / dLon) % stride != 0) continue;
       const GeoPoint c{lat + dLat / 2, NormalisedLongitude(lon + dLon / 2)};
       if (c.lat > 90 || c.lat < -90) continue;
       double x = 0, y = 0;
