@@ -175,6 +175,35 @@ TEST(ProjectLine, PointsLandWhereTheProjectionPutsThem) {
   }
 }
 
+TEST(ProjectRing, CoastPiecesAreTheClosedRingAsProjectLineGivesIt) {
+  const AzimuthalProjection projection({52.5, 13.4}, kR);
+  // Round a place near the centre, and along the antipode (-52.5, -166.6), where the ring
+  // is cut into pieces.
+  const GeoLine rings[] = {{{50, 10}, {50, 20}, {45, 20}, {45, 10}},
+                           {{-52.5, -170}, {-52.5, -163}, {-40, -163}, {-40, -170}}};
+  for (const GeoLine& ring : rings) {
+    std::vector<KmLine> pieces;
+    ProjectRing(projection, ToUnitLine(ring), 1.0, &pieces);
+    GeoLine closed = ring;
+    closed.push_back(ring.front());
+    const std::vector<KmLine> lines = ProjectLine(projection, closed, 1.0);
+    // The same points, though a ring cut at the antipode may start its first piece elsewhere.
+    std::size_t a = 0, b = 0;
+    for (const KmLine& p : pieces) a += p.size();
+    for (const KmLine& p : lines) b += p.size();
+    EXPECT_EQ(a, b);
+    EXPECT_EQ(pieces.size(), lines.size());
+    EXPECT_GE(lines.size(), &ring == &rings[0] ? 1u : 2u) << "cut at the antipode";
+    if (lines.size() == 1) {
+      ASSERT_EQ(pieces.size(), 1u);
+      for (std::size_t i = 0; i < lines[0].size(); ++i) {
+        EXPECT_NEAR(pieces[0][i].x(), lines[0][i].x(), 1e-9);
+        EXPECT_NEAR(pieces[0][i].y(), lines[0][i].y(), 1e-9);
+      }
+    }
+  }
+}
+
 // How often a closed polygon turns round a point.
 int windingRound(const KmLine& ring, QPointF p) {
   int w = 0;
