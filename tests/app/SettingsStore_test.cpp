@@ -1,12 +1,11 @@
 #include "app/SettingsStore.h"
 
 #include "platform/Settings.h"
+#include "support/IsolatedUser.h"
 
 #include <gtest/gtest.h>
 #include <QDir>
 #include <QFile>
-#include <QSettings>
-#include <QTemporaryDir>
 
 #include <cstdio>
 
@@ -17,20 +16,13 @@
 namespace marvento {
 namespace {
 
-// A settings store of its own; QSettings keeps the folder it found first, so it is told.
 class SettingsStoreFile : public ::testing::Test {
  protected:
-  SettingsStoreFile() { setPath(m_dir.path()); }
-  ~SettingsStoreFile() override { setPath(qEnvironmentVariable("XDG_CONFIG_HOME")); }
-  static void setPath(const QString& path) {
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, path);
-  }
   QString stored(const char* key) const {
-    QSettings file(m_dir.path() + QStringLiteral("/Marvento/Marvento.conf"), QSettings::IniFormat);
-    return file.value(QStringLiteral("Settings/") + QString::fromLatin1(key)).toString();
+    return m_user.stored(QString::fromLatin1(key)).value_or(QStringLiteral("missing"));
   }
 
-  QTemporaryDir m_dir;
+  const test::IsolatedUser m_user;
 };
 
 TEST_F(SettingsStoreFile, ExitWritesEveryKeyButTheHomeLocatorInItsTextForm) {
@@ -69,8 +61,7 @@ TEST_F(SettingsStoreFile, FileSizeLimitKeepsTheOldFileAndTellsWhy) {
   state.ComSettings = QStringLiteral("4800,N,8,1");
   state.ComPort = QStringLiteral("Com1");
   ASSERT_EQ(WriteExitSettings(state, ExitSettings{}), std::nullopt);
-  const QString path = m_dir.path() + QStringLiteral("/Marvento/Marvento.conf");
-  QFile file(path);
+  QFile file(m_user.configFile());
   ASSERT_TRUE(file.open(QIODevice::ReadOnly));
   const QByteArray old = file.readAll();
   file.close();
@@ -92,7 +83,7 @@ TEST_F(SettingsStoreFile, FileSizeLimitKeepsTheOldFileAndTellsWhy) {
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "ended by signal or wrong reason";
   ASSERT_TRUE(file.open(QIODevice::ReadOnly));
   EXPECT_EQ(file.readAll(), old);
-  EXPECT_EQ(QDir(m_dir.path() + QStringLiteral("/Marvento")).entryList(QDir::Files | QDir::Hidden),
+  EXPECT_EQ(QDir(m_user.path() + QStringLiteral("/Marvento")).entryList(QDir::Files | QDir::Hidden),
             QStringList{QStringLiteral("Marvento.conf")});
 }
 

@@ -80,102 +80,38 @@ class tst_SettingsFile : public QObject {
     QTest::addColumn<QString>("stored");
     QTest::addColumn<QString>("used");     // the default named in lbInfo; empty when kept
     QTest::addColumn<QString>("written");  // the key after the exit
-    QTest::newRow("GPS neither on nor off") << "GPS"
-                                            << "vielleicht"
-                                            << "GPS aus"
-                                            << "GPS aus";
-    QTest::newRow("rate beyond every number") << "Bit-Sek"
-                                              << "99999999999999999999999"
-                                              << "4800"
-                                              << "4800";
-    QTest::newRow("negative rate") << "Bit-Sek"
-                                   << "-9600"
-                                   << "4800"
-                                   << "4800";
-    QTest::newRow("rate in words") << "Bit-Sek"
-                                   << "schnell"
-                                   << "4800"
-                                   << "4800";
-    QTest::newRow("empty rate") << "Bit-Sek"
-                                << ""
-                                << "4800"
-                                << "4800";
-    QTest::newRow("rate with line settings") << "Bit-Sek"
-                                             << "9600,E,7,1"
-                                             << "4800"
-                                             << "4800";
-    QTest::newRow("rate 300, not in the list") << "Bit-Sek"
-                                               << "300"
-                                               << ""
-                                               << "300";
-    QTest::newRow("rate 230400, not in the list") << "Bit-Sek"
-                                                  << "230400"
-                                                  << ""
-                                                  << "230400";
-    QTest::newRow("port with a sign") << "Com"
-                                      << "Com-5"
-                                      << "Com1"
-                                      << "Com1";
-    QTest::newRow("port 30") << "Com"
-                             << "Com30"
-                             << "Com1"
-                             << "Com1";
-    QTest::newRow("port of another name") << "Com"
-                                          << "Xyz7"
-                                          << "Com1"
-                                          << "Com1";
-    QTest::newRow("port in capitals") << "Com"
-                                      << "COM12"
-                                      << ""
-                                      << "COM12";
-    QTest::newRow("gpsd as the source") << "Com"
-                                        << "gpsd"
-                                        << ""
-                                        << "gpsd";
-    QTest::newRow("gpsd port negative") << "Gpsd"
-                                        << "127.0.0.1:-2947"
-                                        << "localhost:2947"
-                                        << "localhost:2947";
-    QTest::newRow("gpsd port too high") << "Gpsd"
-                                        << "gps.local:65536"
-                                        << "localhost:2947"
-                                        << "localhost:2947";
-    QTest::newRow("gpsd elsewhere") << "Gpsd"
-                                    << "gps.local:2948"
-                                    << ""
-                                    << "gps.local:2948";
-    QTest::newRow("Boolean in words") << "Loc10st"
-                                      << "vielleicht"
-                                      << "False"
-                                      << "False";
-    QTest::newRow("Boolean empty") << "Grad_Dezimal"
-                                   << ""
-                                   << "False"
-                                   << "False";
-    QTest::newRow("Boolean in small letters") << "Protokoll"
-                                              << "true"
-                                              << ""
-                                              << "True";
-    QTest::newRow("radius position past the list") << "Radius"
-                                                   << "12"
-                                                   << "2"
-                                                   << "2";
-    QTest::newRow("radius position typed") << "Radius"
-                                           << "-1"
-                                           << ""
-                                           << "-1";
-    QTest::newRow("interval of 33 s") << "GPS-Interval"
-                                      << "33"
-                                      << ""
-                                      << "33";
-    QTest::newRow("interval of 5 s") << "GPS-Interval"
-                                     << "5"
-                                     << ""
-                                     << "5";
-    QTest::newRow("negative interval") << "GPS-Interval"
-                                       << "-5"
-                                       << "30"
-                                       << "30";
+    const struct {
+      const char *name, *key, *stored, *used, *written;
+    } rows[] = {
+        {"GPS neither on nor off", "GPS", "vielleicht", "GPS aus", "GPS aus"},
+        {"rate beyond every number", "Bit-Sek", "99999999999999999999999", "4800", "4800"},
+        {"negative rate", "Bit-Sek", "-9600", "4800", "4800"},
+        {"rate in words", "Bit-Sek", "schnell", "4800", "4800"},
+        {"empty rate", "Bit-Sek", "", "4800", "4800"},
+        {"rate with line settings", "Bit-Sek", "9600,E,7,1", "4800", "4800"},
+        {"rate 300, not in the list", "Bit-Sek", "300", "", "300"},
+        {"rate 230400, not in the list", "Bit-Sek", "230400", "", "230400"},
+        {"port with a sign", "Com", "Com-5", "Com1", "Com1"},
+        {"port 30", "Com", "Com30", "Com1", "Com1"},
+        {"port of another name", "Com", "Xyz7", "Com1", "Com1"},
+        {"port in capitals", "Com", "COM12", "", "COM12"},
+        {"gpsd as the source", "Com", "gpsd", "", "gpsd"},
+        {"gpsd port negative", "Gpsd", "127.0.0.1:-2947", "localhost:2947", "localhost:2947"},
+        {"gpsd port too high", "Gpsd", "gps.local:65536", "localhost:2947", "localhost:2947"},
+        {"gpsd elsewhere", "Gpsd", "gps.local:2948", "", "gps.local:2948"},
+        {"Boolean in words", "Loc10st", "vielleicht", "False", "False"},
+        {"Boolean empty", "Grad_Dezimal", "", "False", "False"},
+        {"Boolean in small letters", "Protokoll", "true", "", "True"},
+        {"radius position past the list", "Radius", "12", "2", "2"},
+        {"radius position typed", "Radius", "-1", "", "-1"},
+        {"interval of 33 s", "GPS-Interval", "33", "", "33"},
+        {"interval of 5 s", "GPS-Interval", "5", "", "5"},
+        {"negative interval", "GPS-Interval", "-5", "30", "30"},
+    };
+    for (const auto& r : rows) {
+      QTest::newRow(r.name) << QString(r.key) << QString(r.stored) << QString(r.used)
+                            << QString(r.written);
+    }
   }
 
   // Regression: such values were shown ("Status: vielleicht") and written back at exit, and

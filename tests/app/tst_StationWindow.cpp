@@ -1,19 +1,20 @@
 // The window with the station programs beside it: a real rotctld (hamlib's dummy rotator),
-// a WSJT-X peer and a JS8Call server in the test, and a GPS drive through a pseudo-terminal.
+// a WSJT-X peer and a JS8Call server in the test, and the receiver on a pseudo-terminal.
 
 #include "app/frmMain.h"
 
 #include "../gps/PtyFeeder.h"
 #include "../station/WsjtxDatagram.h"
+#include "gps/GpsLog.h"
 #include "platform/MsgBoxRecorder.h"
 #include "platform/Settings.h"
 #include "station/RotatorLink.h"
 #include "station/StationLinks.h"
 #include "station/WsjtxLink.h"
 #include "support/ProgramFixture.h"
-#include "support/Typing.h"
 #include "support/Pty.h"
 #include "support/RotctldDaemon.h"
+#include "support/Typing.h"
 
 #include <QDir>
 #include <QFile>
@@ -21,7 +22,6 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QNetworkDatagram>
-#include <QRegularExpression>
 #include <QStatusBar>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -39,18 +39,13 @@ using marvento::test::Program;
 
 namespace {
 
-// An RMC sentence with a fix at the position, degrees east and north, checksum included.
-QByteArray rmc(int second, double lon, double lat) {
-  const auto minutes = [](double degrees, int width) {
-    const int whole = int(degrees);
-    return QStringLiteral("%1%2")
-        .arg(whole, width, 10, QChar('0'))
-        .arg((degrees - whole) * 60, 6, 'f', 3, QChar('0'));
-  };
-  return test::sentence(QStringLiteral("GPRMC,1200%1.00,A,%2,N,%3,E,010.0,090.0,241126,003.1,W")
-                            .arg(second, 2, 10, QChar('0'))
-                            .arg(minutes(lat, 2), minutes(lon, 3))
-                            .toLatin1());
+const QByteArray kGsa = "$GPGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1*39\r\n";
+const QByteArray kGsv = "$GPGSV,2,1,08,01,40,083,46,02,17,308,41,12,07,344,39,14,22,228,45*75\r\n";
+
+QStringList logLines() {
+  QFile file(GpsLog::kFileName);
+  if (!file.open(QIODevice::ReadOnly)) return {};
+  return QString::fromUtf8(file.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
 }
 
 }  // namespace
@@ -227,58 +222,59 @@ class tst_StationWindow : public QObject {
     QCOMPARE(boxes.count(), 0);
   }
 
-  // A drive across three square boundaries: each square entered is one log line, told in the
-  // window with a beep; fixes inside a square add nothing.
-  void gpsDriveLogsEachSquareOnce() {
+  // The locator shown and logged is the square the station is in, here 370 m north of the row
+  // edge between JO62QM and JO62QN; an impossible time moves the
+  // square but neither the GPS time nor the log, and an impossible position brings nothing of its
+  // sentence.
+  void receiverSquareIsTrueAndImpossibleValuesAreNotTaken() {
     test::Pty pty;
     QVERIFY(pty.ok());
+    test::SetNoPortDevices();
     test::SetPortDevice(1, pty.path());
-    SaveSetting(SettingKey::Gps, QStringLiteral("GPS an"));
     SaveSetting(SettingKey::Com, QStringLiteral("Com1"));
+    SaveSetting(SettingKey::BitSek, QStringLiteral("115200"));
+    SaveSetting(SettingKey::Gps, QStringLiteral("GPS an"));
     SaveSetting(SettingKey::Protokoll, QStringLiteral("True"));
-    SaveSetting(SettingKey::GradDezimal, QStringLiteral("True"));
-    const struct {
-      double lon, lat;
-      const char* square;
-    } drive[] = {{13.400, 52.52, "JO62QM"}, {13.410, 52.52, "JO62QM"}, {13.425, 52.52, "JO62RM"},
-                 {13.505, 52.53, "JO62SM"}, {13.510, 52.53, "JO62SM"}, {13.512, 52.56, "JO62SN"}};
-
-    // The receiver repeats the current fix, as a real one does every second.
-    std::unique_ptr<test::PtyFeeder> feeder;
-    const auto transmit = [&](int i) {
-      feeder.reset();
-      const test::Piece fix{30, rmc(i, drive[i].lon, drive[i].lat)};
-      feeder = std::make_unique<test::PtyFeeder>(pty, std::vector<test::Piece>(100, fix));
-    };
-    transmit(0);
+    SaveSetting(SettingKey::GpsZeit, QStringLiteral("False"));  // the real clock is never set
     MsgBoxRecorder boxes;
     frmMain* w = start();
-    for (int i = 0; i < int(std::size(drive)); ++i) {
-      transmit(i);
-      const auto reached = [&] {
-        if (!w->isPolling()) w->Timer1_Timer();
-        return std::fabs(QLocale().toDouble(w->tbMyLg->text().trimmed()) - drive[i].lon) < 1e-6 &&
-               w->tbMyLoc->text() == QLatin1String(drive[i].square);
-      };
-      QTRY_VERIFY2_WITH_TIMEOUT(reached(), qPrintable(w->tbMyLoc->text()), 5000);
-      QTRY_VERIFY(!w->isPolling());
-    }
-    QCOMPARE(w->sbStatusBar->currentMessage(), QStringLiteral("Neues Feld: JO62SN"));
-    feeder.reset();
-    m_program.reset();
-    QCOMPARE(boxes.count(), 0);
-    QCOMPARE(boxes.beeps(), 3);
+    w->Timer1->stop();  // the polls below are the test's own
+    // A poll the start may have begun on the silent receiver ends first.
+    QTRY_VERIFY_WITH_TIMEOUT(!w->isPolling(), 5000);
+    std::unique_ptr<test::PtyFeeder> feeder;
+    const auto pollOn = [&](const QByteArray& gga) {
+      feeder.reset();
+      // More than the exchange's least chunk, so that the sentence is taken at once.
+      feeder = std::make_unique<test::PtyFeeder>(
+          pty, std::vector<test::Piece>{{60, gga + kGsa + kGsv + kGsv}});
+      w->Timer1_Timer();
+      QTRY_VERIFY_WITH_TIMEOUT(!w->isPolling(), 5000);
+    };
 
-    QFile log(QStringLiteral("GPS_Protokoll.txt"));
-    QVERIFY(log.open(QIODevice::ReadOnly));
-    const QString text = QString::fromUtf8(log.readAll());
-    QStringList logged = text.split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts)
-                             .filter(QRegularExpression(QStringLiteral("^JO62")));
-    QCOMPARE(text.count(QStringLiteral("\r\n")), logged.size());  // a locator on every line
-    // The start may have a line of its own (the window's first poll writes one); every square
-    // entered has exactly one.
-    if (logged.size() == 4) QCOMPARE(logged.takeFirst(), QStringLiteral("JO62QM"));
-    QCOMPARE(logged, QStringList({"JO62RM", "JO62SM", "JO62SN"}));
+    pollOn("$GPGGA,123510.00,5232.000,N,01322.500,E,1,08,0.9,45.4,M,46.9,M,,*56\r\n");
+    QCOMPARE(w->tbMyLoc->text(), QStringLiteral("JO62QM"));
+    // Entering the true square is a crossing, and every crossing is logged.
+    pollOn("$GPGGA,123519.00,5232.700,N,01322.500,E,1,08,0.9,45.4,M,46.9,M,,*58\r\n");
+    QCOMPARE(w->tbMyLoc->text(), QStringLiteral("JO62QN"));
+    QCOMPARE(w->Panel2->text(), QStringLiteral("12:35:19"));
+    const QStringList lines = logLines();
+    QCOMPARE(lines.size(), 1);
+    QVERIFY2(lines.first().contains(QStringLiteral("12:35:19")) &&
+                 lines.first().endsWith(QStringLiteral("JO62QN")),
+             qPrintable(lines.first()));
+
+    // A square further east at the time 25:61:61, then latitude 95.
+    pollOn("$GPGGA,256161.00,5232.700,N,01327.500,E,1,08,0.9,45.4,M,46.9,M,,*57\r\n");
+    QCOMPARE(w->tbMyLoc->text(), QStringLiteral("JO62RN"));
+    QCOMPARE(w->Panel2->text(), QStringLiteral("12:35:19"));
+    QCOMPARE(logLines(), lines);
+    pollOn("$GPGGA,123600.00,9500.000,N,01327.500,E,1,08,0.9,45.4,M,46.9,M,,*5B\r\n");
+    QCOMPARE(w->lbInfo->text(),
+             QStringLiteral("Schlechter Empfang oder zu geringe Anzahl an Satelliten !"));
+    QCOMPARE(w->tbMyLoc->text(), QStringLiteral("JO62RN"));
+    QCOMPARE(w->Panel2->text(), QStringLiteral("12:35:19"));
+    QCOMPARE(logLines(), lines);
+    QCOMPARE(boxes.count(), 0);
   }
 };
 

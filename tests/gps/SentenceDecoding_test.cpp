@@ -145,6 +145,8 @@ TEST(SentenceDecoding, ImpossibleValuesCountAsAbsent) {
        false, kBad, "", false, kNone, kNone, kNone},
       {"a time with its point too far left", "$GPGLL,4807.038,N,01131.000,E,1.5,A*02", false, true,
        "", "", false, kNone, kNone, kNone},
+      {"a time with colons", "$GPGLL,4916.45,N,12311.12,W,12:35,A", false, true, "", "", false,
+       kNone, kNone, kNone},
       {"a time without fraction",
        "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47", true, true,
        "GPS - Antennenhöhe: 545,4 m ü. NN (8)", "", true, kNone, kNone, 545.4},
@@ -214,35 +216,9 @@ TEST(SentenceDecoding, PlaceholdersAndPositionInTheDecimalSignOfTheLocale) {
   QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
 }
 
-TEST(SentenceDecoding, TimeStepNeedsANumericField) {
-  const std::pair<const char*, bool> cases[] = {
-      {"$GPGLL,4916.45,N,12311.12,W,225444.00,A", true},
-      {"$GPGLL,4916.45,N,12311.12,W,12:35,A", false},
-  };
-  for (const auto& [sentence, hasTime] : cases) {
-    EXPECT_EQ(DecodeSentence(q(sentence), {}).hasTime(), hasTime) << sentence;
-  }
-}
-
-TEST(SentenceDecoding, AddressesOfNoKnownType) {
-  const char* const sentences[] = {
-      "$gpGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,",  // talker in lower case
-      "$G1GGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,",  // a digit as talker
-      "$GPGGAX,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,",
-      "$GGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,",   // no talker
-      "GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,",  // no "$"
-      "$GNGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1",
-  };
-  for (const char* sentence : sentences) {
-    const DecodedSentence d = DecodeSentence(q(sentence), {});
-    EXPECT_EQ(d.kind, SK::Other) << sentence;
-    EXPECT_EQ(d.finalInfo(), q("")) << sentence;
-    EXPECT_FALSE(d.timeAndPosition) << sentence;
-  }
-}
-
-// A damaged sentence moved the station: checksums were never compared.
-TEST(SentenceDecoding, ChecksumsDecideWhetherASentenceCounts) {
+// A damaged sentence moved the station: checksums were never compared. Sentences of no known
+// type, or whose checksum is wrong, count for nothing.
+TEST(SentenceDecoding, ChecksumsAndAddressesDecideWhetherASentenceCounts) {
   const std::pair<const char*, SentenceKind> cases[] = {
       {"$GNGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*59\r\n", SK::Gga},
       {"$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6a\r\n", SK::Rmc},
@@ -253,11 +229,21 @@ TEST(SentenceDecoding, ChecksumsDecideWhetherASentenceCounts) {
       {"$GNGLL,4916.45,N,12311.12,W,225444,A,A*4G\r\n", SK::Other},  // damaged digit
       {"$GNGLL,4916.45,N,12311.12,W,225444,A,A*4\r\n", SK::Other},   // cut checksum
       {"$GNGLL,4916.45,N,12311.12,W,225444,A,A*", SK::Other},
+      {"$gpGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,", SK::Other},  // lower case
+      {"$G1GGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,", SK::Other},  // digit
+      {"$GPGGAX,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,", SK::Other},
+      {"$GGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,", SK::Other},   // no talker
+      {"GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,", SK::Other},  // no "$"
+      {"$GNGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1", SK::Other},
   };
   for (const auto& [sentence, kind] : cases) {
     const DecodedSentence d = DecodeSentence(q(sentence), {});
     EXPECT_EQ(d.kind, kind) << sentence;
     EXPECT_EQ(d.positionGood, kind != SK::Other) << sentence;
+    EXPECT_EQ(d.timeAndPosition, kind != SK::Other) << sentence;
+    if (kind == SK::Other) {
+      EXPECT_EQ(d.finalInfo(), q("")) << sentence;
+    }
   }
 }
 

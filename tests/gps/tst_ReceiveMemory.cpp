@@ -5,6 +5,7 @@
 #include "gps/GpsdExchange.h"
 #include "station/Js8CallLink.h"
 #include "station/RotatorLink.h"
+#include "support/Pty.h"
 #include "support/Sanitizers.h"
 
 #include <QDir>
@@ -24,12 +25,9 @@
 #include <thread>
 
 #include <arpa/inet.h>
-#include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>
-#include <stdlib.h>
 #include <sys/socket.h>
-#include <termios.h>
 #include <unistd.h>
 
 using namespace marvento;
@@ -139,21 +137,11 @@ class tst_ReceiveMemory : public QObject {
   void randomBytesIntoTheProgram() {
     const QString program = QStringLiteral(MARVENTO_BUILD_DIR "/src/marvento");
     QVERIFY2(QFileInfo::exists(program), qPrintable(program));
-    // The receiver's side of a pseudo-terminal, raw, written without blocking: between two
-    // exchanges nobody reads.
-    const int master = ::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    QVERIFY(master >= 0 && ::grantpt(master) == 0 && ::unlockpt(master) == 0);
-    const auto closeMaster = qScopeGuard([master] { ::close(master); });
-    const QByteArray device = ::ptsname(master);
-    {
-      const int slave = ::open(device.constData(), O_RDWR | O_NOCTTY);
-      QVERIFY(slave >= 0);
-      termios mode{};
-      QCOMPARE(::tcgetattr(slave, &mode), 0);
-      ::cfmakeraw(&mode);
-      QCOMPARE(::tcsetattr(slave, TCSANOW, &mode), 0);
-      ::close(slave);
-    }
+    // The receiver's side, written without blocking: between two exchanges nobody reads.
+    const test::Pty pty(O_NONBLOCK);
+    QVERIFY(pty.ok());
+    const int master = pty.master();
+    const QByteArray device = pty.path().toLocal8Bit();
     QTemporaryDir home;
     QVERIFY(QDir().mkpath(home.filePath(QStringLiteral("Marvento"))));
     {

@@ -28,11 +28,6 @@ class tst_RoverSpeech : public QObject {
   // Three messages in a row: each reaches the daemon whole and in order, the later ones only
   // after the one before has been spoken; a crossing is spelled in the ICAO alphabet.
   void messagesReachTheSpeechServiceOneAfterTheOther() {
-#ifdef MARVENTO_ASAN
-    QSKIP(
-        "under AddressSanitizer Qt's speech plug-in takes minutes to list speech-dispatcher's "
-        "voices; the normal build runs this test against the real service");
-#endif
     test::SpeechDaemon daemon;
     if (!daemon.start())
       QSKIP("speech-dispatcher did not start here (sh tools/deps.sh installs it)");

@@ -2,9 +2,9 @@
 
 #include "platform/Settings.h"
 
+#include "support/IsolatedUser.h"
+
 #include <gtest/gtest.h>
-#include <QSettings>
-#include <QTemporaryDir>
 
 namespace marvento {
 namespace {
@@ -56,40 +56,18 @@ TEST(StationAddress, ParsesHostAndPortAndRefusesTheRest) {
   }
 }
 
-class StationAddressStore : public ::testing::Test {
- protected:
-  void SetUp() override {
-    ASSERT_TRUE(m_dir.isValid());
-    m_saved = qgetenv("XDG_CONFIG_HOME");
-    qputenv("XDG_CONFIG_HOME", m_dir.path().toLocal8Bit());
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_dir.path());
-  }
-  void TearDown() override {
-    qputenv("XDG_CONFIG_HOME", m_saved);
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
-                       QString::fromLocal8Bit(m_saved));
-  }
-  QVariant stored(const char* key) const {
-    QSettings file(m_dir.path() + QStringLiteral("/Marvento/Marvento.conf"), QSettings::IniFormat);
-    return file.value(QStringLiteral("Settings/") + QString::fromLatin1(key));
-  }
-
-  QTemporaryDir m_dir;
-  QByteArray m_saved;
-};
-
 // Other tools and the user's own scripts read these keys: names and text form must hold.
-TEST_F(StationAddressStore, KeysHoldHostPortTextAndEmptyMeansOff) {
+TEST(StationAddressStore, KeysHoldHostPortTextAndEmptyMeansOff) {
+  const test::IsolatedUser user;
   EXPECT_EQ(LoadStationAddress(StationProgram::Js8Call).status, StationAddress::Off);
   SaveStationAddress(StationProgram::Wsjtx,
                      ParseStationAddress(QStringLiteral("224.0.0.1:2237"), StationProgram::Wsjtx));
   SaveStationAddress(StationProgram::Rotor,
                      ParseStationAddress(QStringLiteral("::1"), StationProgram::Rotor));
   SaveStationAddress(StationProgram::Js8Call, StationAddress{});
-  EXPECT_EQ(stored("Wsjtx").toString(), QStringLiteral("224.0.0.1:2237"));
-  EXPECT_EQ(stored("Rotor").toString(), QStringLiteral("[::1]:4533"));
-  EXPECT_TRUE(stored("Js8Call").isValid());
-  EXPECT_EQ(stored("Js8Call").toString(), QString());
+  EXPECT_EQ(user.stored(QStringLiteral("Wsjtx")), QStringLiteral("224.0.0.1:2237"));
+  EXPECT_EQ(user.stored(QStringLiteral("Rotor")), QStringLiteral("[::1]:4533"));
+  EXPECT_EQ(user.stored(QStringLiteral("Js8Call")), QString());  // stored, and empty
 
   EXPECT_EQ(LoadStationAddress(StationProgram::Rotor).port, 4533);
 

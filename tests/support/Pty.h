@@ -16,8 +16,9 @@ namespace marvento::test {
 
 class Pty {
  public:
-  Pty() {
-    m_master = ::posix_openpt(O_RDWR | O_NOCTTY);
+  // flags may add O_NONBLOCK for a master that is written faster than it is read.
+  explicit Pty(int flags = 0) {
+    m_master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | flags);
     if (m_master < 0 || ::grantpt(m_master) != 0 || ::unlockpt(m_master) != 0) return;
     const char* name = ::ptsname(m_master);
     if (name == nullptr) return;
@@ -40,6 +41,7 @@ class Pty {
   bool ok() const { return m_master >= 0 && !m_path.isEmpty(); }
   // The device path a port is pointed at, such as /dev/pts/3.
   const QString& path() const { return m_path; }
+  int master() const { return m_master; }
 
   bool write(const QByteArray& data) const {
     return ::write(m_master, data.constData(), static_cast<size_t>(data.size())) == data.size();
