@@ -472,8 +472,10 @@ class tst_Karte : public QObject {
     QPainter painter(&exported);
     view.render(painter, exported.size());
     painter.end();
-    for (const auto& [image, scale] :
+    for (const auto& [image, factor] :
          {std::pair(view.grab().toImage(), 1.0), std::pair(exported, 2.0)}) {
+      // Clang 14 cannot capture a structured binding.
+      const double scale = factor;
       const auto pixel = [&](GeoPoint p) { return view.pixelOf(p) * scale; };
       for (qsizetype i = 0; i < fixes.size(); ++i) {
         if (i > 0) {
