@@ -6,14 +6,6 @@
 
 namespace marvento {
 
-std::size_t MapData::pointCount() const {
-  std::size_t n = 0;
-  for (const auto* lines : {&outer, &holes, &borders}) {
-    for (const GeoLine& line : *lines) n += line.size();
-  }
-  return n;
-}
-
 std::optional<MapData> ParseMapData(const QByteArray& bytes) {
   static constexpr char kMagic[8] = {'M', 'V', 'M', 'A', 'P', '1', 0, 0};
   if (bytes.size() < 8 || std::memcmp(bytes.constData(), kMagic, 8) != 0) return std::nullopt;
@@ -40,13 +32,10 @@ std::optional<MapData> ParseMapData(const QByteArray& bytes) {
         at += 8;
         line[k] = {lat, lon};
       }
-      lines->push_back(std::move(line));
+      lines->push_back(ToUnitLine(line));
     }
   }
   if (at != size) return std::nullopt;
-  for (const GeoLine& line : data.outer) data.outerUnit.push_back(ToUnitLine(line));
-  for (const GeoLine& line : data.holes) data.holesUnit.push_back(ToUnitLine(line));
-  for (const GeoLine& line : data.borders) data.bordersUnit.push_back(ToUnitLine(line));
   return data;
 }
 

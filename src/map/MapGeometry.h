@@ -66,6 +66,12 @@ struct KmRing {
   bool cut = false;
   // How often the ring as drawn turns round the centre, anticlockwise counted positive.
   int windingAtCentre = 0;
+  // Whether the ring's area (on its right, or on its left for a hole) holds the centre: the
+  // ring turns round the centre and the area is inside, or it does not and the area reaches
+  // round the antipode. Not for a cut ring, whose turning sense says nothing.
+  bool areaHoldsCentre(bool areaOnRight) const {
+    return (windingAtCentre != 0) != (anticlockwise == areaOnRight);
+  }
 };
 KmRing ProjectRing(const AzimuthalProjection& projection, const GeoLine& ring, double stepDeg);
 

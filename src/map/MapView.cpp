@@ -274,38 +274,33 @@ MapView::Scale MapView::loadScale(bool fine) {
                    .value_or(MapData{});
   const MapData& d = scale.data;
   DataIndex& index = scale.index;
-  index.rings = capsOf(d.outerUnit);
-  const std::vector<SphereCap> holes = capsOf(d.holesUnit);
+  index.rings = capsOf(d.outer);
+  const std::vector<SphereCap> holes = capsOf(d.holes);
   index.rings.insert(index.rings.end(), holes.begin(), holes.end());
-  index.borders = capsOf(d.bordersUnit);
+  index.borders = capsOf(d.borders);
   // The big rings' sides seen from the north pole, so that no view has to project one whole.
   const GeoPoint pole{90, 0};
   const AzimuthalProjection fromPole(pole);
   for (std::size_t i = 0; i < index.rings.size(); ++i) {
     if (index.rings[i].radius < std::numbers::pi / 2) continue;
-    const bool outer = i < d.outerUnit.size();
-    const UnitLine& ring = outer ? d.outerUnit[i] : d.holesUnit[i - d.outerUnit.size()];
-    const KmRing r = ProjectRing(fromPole, ring, 1.0);
-    const bool rim = r.anticlockwise == outer;
-    index.big.push_back(
-        {i, RingRunCaps(ring), std::pair{unit(pole), rim != (r.windingAtCentre != 0)}});
+    const bool outer = i < d.outer.size();
+    const UnitLine& ring = d.ring(i);
+    index.big.push_back({i, RingRunCaps(ring), unit(pole),
+                         ProjectRing(fromPole, ring, 1.0).areaHoldsCentre(outer)});
   }
   return scale;
 }
 
 MapView::Geometry& MapView::geometry(bool fine, double reachKm) {
   Scale& sc = scale(fine);
-  const MapData* d = &sc.data;
+  const MapData& d = sc.data;
   DataIndex& index = sc.index;
-  const std::size_t rings = d->outerUnit.size() + d->holesUnit.size();
-  const auto ringAt = [d](std::size_t i) -> const UnitLine& {
-    return i < d->outerUnit.size() ? d->outerUnit[i] : d->holesUnit[i - d->outerUnit.size()];
-  };
+  const std::size_t rings = d.ringCount();
   std::optional<Geometry>& slot = fine ? m_fine : m_coarse;
   if (!slot) {
     slot = Geometry{};
     slot->ringDone.assign(rings, 0);
-    slot->borderDone.assign(d->bordersUnit.size(), 0);
+    slot->borderDone.assign(d.borders.size(), 0);
     for (const BigRing& big : index.big) slot->ringDone[big.ring] = 1;
   }
   Geometry& g = *slot;
@@ -345,10 +340,10 @@ MapView::Geometry& MapView::geometry(bool fine, double reachKm) {
   for (std::size_t i = 0; i < rings; ++i) {
     if (g.ringDone[i] || !near(index.rings[i])) continue;
     g.ringDone[i] = 1;
-    const bool outer = i < d->outerUnit.size();
+    const bool outer = i < d.outer.size();
     pieces.clear();
     // The coastline comes from the same projection as the area it bounds.
-    const KmRing r = ProjectRing(m_projection, ringAt(i), step, &pieces);
+    const KmRing r = ProjectRing(m_projection, d.ring(i), step, &pieces);
     area(outer ? g.land : g.holes, r, r.anticlockwise == outer);
     runs(g.coast, pieces);
   }
@@ -359,33 +354,33 @@ MapView::Geometry& MapView::geometry(bool fine, double reachKm) {
     g.bigHoles.clear();
     g.bigCoast.clear();
     for (BigRing& big : index.big) {
-      const bool outer = big.ring < d->outerUnit.size();
-      const UnitLine& ring = ringAt(big.ring);
+      const bool outer = big.ring < d.outer.size();
+      const UnitLine& ring = d.ring(big.ring);
       pieces.clear();
-      // Which side of the ring the centre lies on follows from a place whose side is known;
-      // without one (or from the far side of the earth) the ring is projected whole once.
-      std::optional<bool> holdsCentre;
-      if (big.known && angle(big.known->first, centre) < std::numbers::pi - 0.01)
-        holdsCentre = big.known->second != AreaSideChanges(ring, big.known->first, centre);
+      // Which side of the ring the centre lies on follows from the place whose side is known;
+      // from that place's far side, where no short arc leads, the ring is projected whole.
+      const bool reachable = angle(big.knownAt, centre) < std::numbers::pi - 0.01;
+      const bool holdsCentre =
+          reachable && big.knownHolds != AreaSideChanges(ring, big.knownAt, centre);
       const RingReach cut{bigReach, &big.runCaps};
-      const KmRing r = ProjectRing(m_projection, ring, step, &pieces, holdsCentre ? &cut : nullptr);
-      // The area holds the centre when the ring turns round it and the area is inside, or
-      // when it does not and the area reaches round the antipode.
-      bool rimSide = r.anticlockwise == outer;
-      if (r.cut) {
-        rimSide = *holdsCentre != (r.windingAtCentre != 0);
-      } else {
-        big.known = {centre, rimSide != (r.windingAtCentre != 0)};
+      const KmRing r = ProjectRing(m_projection, ring, step, &pieces, reachable ? &cut : nullptr);
+      // The area reaches round the antipode when it holds the centre and the ring as drawn
+      // does not turn round the centre, or the other way round.
+      bool rimSide = holdsCentre != (r.windingAtCentre != 0);
+      if (!r.cut) {
+        rimSide = r.anticlockwise == outer;
+        big.knownAt = centre;
+        big.knownHolds = r.areaHoldsCentre(outer);
       }
       area(outer ? g.bigLand : g.bigHoles, r, rimSide);
       runs(g.bigCoast, pieces);
     }
     g.bigReachKm = bigReach;
   }
-  for (std::size_t i = 0; i < d->bordersUnit.size(); ++i) {
+  for (std::size_t i = 0; i < d.borders.size(); ++i) {
     if (g.borderDone[i] || !near(index.borders[i])) continue;
     g.borderDone[i] = 1;
-    runs(g.borders, ProjectLine(m_projection, d->bordersUnit[i], step));
+    runs(g.borders, ProjectLine(m_projection, d.borders[i], step));
   }
   g.reachKm = reachKm;
   return g;

@@ -120,7 +120,8 @@ class MapView : public QWidget {
   struct BigRing {
     std::size_t ring = 0;
     std::vector<SphereCap> runCaps;
-    std::optional<std::pair<UnitVector, bool>> known;
+    UnitVector knownAt;
+    bool knownHolds = false;
   };
   // What a scale's data needs beyond its points: a cap round each ring and line, so that a view
   // that cannot reach one skips its projection, and the big rings.

@@ -235,11 +235,8 @@ UnitLine bigLand() {
   return ToUnitLine(ring);
 }
 
-// The land holds the centre when the ring turns round it and the land is inside, or when it
-// does not and the land reaches round the antipode.
 bool landHolds(const UnitLine& ring, GeoPoint place) {
-  const KmRing r = ProjectRing(AzimuthalProjection(place, kR), ring, 1.0);
-  return (r.windingAtCentre != 0) != r.anticlockwise;
+  return ProjectRing(AzimuthalProjection(place, kR), ring, 1.0).areaHoldsCentre(true);
 }
 
 TEST(ProjectRing, CutRingTurnsRoundEveryPlaceInReachAsTheWholeRing) {
