@@ -37,7 +37,6 @@ class Announcer : public QObject {
 
   // For the window's menu: "Status vorlesen", F4.
   QAction* readStatusAction() const { return m_readStatus; }
-  LiveRegion* liveRegion() const { return m_live; }
 
   // The window computed (or cleared, or turned the bearing): say the result, once the
   // window has finished reporting this run.

@@ -15,7 +15,6 @@ class LiveRegion : public QWidget {
   explicit LiveRegion(QWidget* parent);
 
   void say(const QString& text);
-  QString lastSaid() const { return accessibleName(); }
 
  signals:
   // Each message, as the screen reader gets it; also where no screen reader listens.
