@@ -50,10 +50,6 @@ QByteArrayView firstPart(QByteArrayView v) {
   return v;
 }
 
-QByteArrayView kept(QByteArrayView v) {
-  return trimmed(v);
-}
-
 double bearingOnSphere(const ContestSquare& a, const ContestSquare& b) {
   constexpr double rad = std::numbers::pi / 180.0;
   const double dLon = (b.centre.lon - a.centre.lon) * rad;
@@ -175,11 +171,10 @@ EdiCheck CheckEdi(QIODevice& in, const EdiProgress& progress) {
     }
     EdiQso q;
     q.line = line.number;
-    q.date = kept(fields[0]);
-    q.time = kept(fields[1]);
-    q.call = kept(fields[2]);
-    const QByteArrayView loc = trimmed(fields[9]);
-    q.locator = kept(loc);
+    q.date = trimmed(fields[0]);
+    q.time = trimmed(fields[1]);
+    q.call = trimmed(fields[2]);
+    q.locator = trimmed(fields[9]);
     q.claimed = number(fields[10]);
     q.duplicate = equalNoCase(trimmed(fields[14]), "D");
     log.qsos.push_back(std::move(q));
