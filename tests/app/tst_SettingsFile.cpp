@@ -55,10 +55,6 @@ class tst_SettingsFile : public QObject {
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
     file.write(text);
   }
-  QByteArray storeBytes() const {
-    QFile file(m_user->configFile());
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
-  }
 
  private slots:
   void initTestCase() {
@@ -258,7 +254,9 @@ class tst_SettingsFile : public QObject {
                                                  "Einstellungen des letzten Programmendes.")
                                       .arg(m_user->configFile(), reason));
     QCOMPARE(boxes.last().style, vbExclamation);
-    QCOMPARE(storeBytes(), old);
+    QFile store(m_user->configFile());
+    QVERIFY(store.open(QIODevice::ReadOnly));
+    QCOMPARE(store.readAll(), old);
     QStringList left = QDir(folder).entryList(QDir::Files | QDir::Hidden);
     left.removeAll(QStringLiteral("filler"));
     QCOMPARE(left, QStringList{QStringLiteral("Marvento.conf")});
