@@ -30,8 +30,6 @@
 #include <optional>
 
 using namespace marvento;
-using marvento::test::IsolatedUser;
-using marvento::test::Program;
 
 namespace {
 
@@ -241,17 +239,14 @@ void visitReachableWindows(frmMain* main, const std::function<void(QWidget*)>& v
 
 }  // namespace
 
-class tst_Access : public QObject {
+class tst_Access : public test::ProgramTest {
   Q_OBJECT
 
-  std::optional<IsolatedUser> m_user;
-  std::optional<Program> m_program;
   MsgBoxHandler m_previousBox;
   BeepHandler m_previousBeep;
 
-  frmMain* start() {
-    m_program.emplace();
-    frmMain* main = m_program->window();
+  frmMain* show() {
+    frmMain* main = start();
     main->show();
     QCoreApplication::processEvents();
     return main;
@@ -269,18 +264,17 @@ class tst_Access : public QObject {
     SetBeepHandler(std::move(m_previousBeep));
   }
   void init() {
-    m_user.emplace();
+    QVERIFY(begin());
     // A table of names that has drifted from its window.
     QTest::failOnWarning(QRegularExpression(QStringLiteral("for its accessible name")));
   }
   void cleanup() {
-    m_program.reset();
-    m_user.reset();
+    end();
     QApplication::setPalette(lightPalette());
   }
 
   void everyControlHasAGermanNameAndNoAccessKeyClashes() {
-    frmMain* main = start();
+    frmMain* main = show();
     QStringList visited;
     QStringList problems;
     visitReachableWindows(main, [&](QWidget* window) {
@@ -335,7 +329,7 @@ class tst_Access : public QObject {
   void textStaysReadable() {
     QFETCH(QPalette, palette);
     QApplication::setPalette(palette);
-    frmMain* main = start();
+    frmMain* main = show();
     // Results and info lines hold text, as after a computation with a message.
     main->tbMyLoc->setText(QStringLiteral("JO62QM"));
     main->tbFremdLoc->setText(QStringLiteral("JN58TD"));
@@ -354,7 +348,7 @@ class tst_Access : public QObject {
   // a computation (not repeated by an unchanged GPS fix), a new info line, the insert mode,
   // the status bar on F4.
   void changesAreAnnounced() {
-    frmMain* main = start();
+    frmMain* main = show();
     auto* live = main->findChild<LiveRegion*>(QStringLiteral("lbAnsage"));
     QVERIFY(live);
     QSignalSpy said(live, &LiveRegion::said);
@@ -423,7 +417,7 @@ class tst_Access : public QObject {
 
   // Tab walks the fields as the eye reads them and reaches both results; Shift+Tab goes back.
   void tabOrderReachesEveryFieldAndTheResults() {
-    frmMain* main = start();
+    frmMain* main = show();
     QVERIFY(QTest::qWaitForWindowActive(main));
     main->tbMyLoc->setFocus();
     const QList<QWidget*> expected = {main->tbFremdLoc,    main->tbMyLg,     main->tbMyBr,

@@ -26,20 +26,12 @@
 #include <unistd.h>
 
 using namespace marvento;
-using marvento::test::IsolatedUser;
-using marvento::test::Program;
 
-class tst_SettingsFile : public QObject {
+class tst_SettingsFile : public test::ProgramTest {
   Q_OBJECT
 
-  std::optional<IsolatedUser> m_user;
-  std::optional<Program> m_program;
   bool m_canMount = false;
 
-  frmMain* start() {
-    m_program.emplace();
-    return m_program->window();
-  }
   // Closes the window as the user does, with OK to the question; the boxes that follow are
   // left in `boxes`.
   void exit(MsgBoxRecorder& boxes) {
@@ -63,13 +55,10 @@ class tst_SettingsFile : public QObject {
                  ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
   }
   void init() {
-    m_user.emplace();
+    QVERIFY(begin());
     test::SetNoPortDevices();
   }
-  void cleanup() {
-    m_program.reset();
-    m_user.reset();
-  }
+  void cleanup() { end(); }
 
   void badValuesAreReplaced_data() {
     QTest::addColumn<QString>("key");

@@ -22,22 +22,14 @@
 #include <optional>
 
 using namespace marvento;
-using marvento::test::IsolatedUser;
-using marvento::test::Program;
 
-class tst_ContestWindow : public QObject {
+class tst_ContestWindow : public test::ProgramTest {
   Q_OBJECT
-
-  std::optional<IsolatedUser> m_user;
-  std::optional<Program> m_program;
 
  private slots:
   void initTestCase() { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }
-  void init() { m_user.emplace(); }
-  void cleanup() {
-    m_program.reset();
-    m_user.reset();
-  }
+  void init() { QVERIFY(begin()); }
+  void cleanup() { end(); }
 
   // The figures and the menu's commands are there. JO62QM to JN58TD: 503 points (502.31 km on the
   // rule's sphere); on WGS84 502.311 km at 195.04° (GeodSolve for the square centres).
