@@ -30,8 +30,6 @@
 #include <optional>
 
 using namespace marvento;
-using marvento::test::IsolatedUser;
-using marvento::test::Program;
 
 namespace {
 
@@ -59,13 +57,10 @@ QPalette darkPalette() {
 QPalette highContrastPalette() {
   QPalette p(Qt::white, Qt::black, Qt::white, Qt::white, Qt::white, Qt::white, Qt::white, Qt::black,
              Qt::black);
-  p.setColor(QPalette::ButtonText, Qt::white);
-  p.setColor(QPalette::Button, Qt::black);
   p.setColor(QPalette::ToolTipBase, Qt::black);
   p.setColor(QPalette::ToolTipText, Qt::yellow);
   p.setColor(QPalette::Highlight, Qt::yellow);
   p.setColor(QPalette::HighlightedText, Qt::black);
-  p.setColor(QPalette::Mid, Qt::white);
   return p;
 }
 
@@ -86,15 +81,11 @@ struct TextColours {
 // What Qt's styles paint a control's text with; nothing for controls without text.
 std::optional<TextColours> textColours(const QWidget* widget) {
   const QPalette& p = widget->palette();
-  if (qobject_cast<const QLineEdit*>(widget))
+  auto* combo = qobject_cast<const QComboBox*>(widget);
+  if (qobject_cast<const QLineEdit*>(widget) || (combo && combo->isEditable()))
     return TextColours{p.color(QPalette::Text), p.color(QPalette::Base)};
-  if (auto* combo = qobject_cast<const QComboBox*>(widget)) {
-    if (combo->isEditable()) return TextColours{p.color(QPalette::Text), p.color(QPalette::Base)};
+  if (combo || widget->inherits("QPushButton"))
     return TextColours{p.color(QPalette::ButtonText), p.color(QPalette::Button)};
-  }
-  if (qobject_cast<const QAbstractButton*>(widget) && widget->inherits("QPushButton")) {
-    return TextColours{p.color(QPalette::ButtonText), p.color(QPalette::Button)};
-  }
   if (qobject_cast<const QAbstractButton*>(widget) || qobject_cast<const QGroupBox*>(widget)) {
     return TextColours{p.color(QPalette::WindowText), backgroundOf(widget)};
   }
@@ -248,17 +239,14 @@ void visitReachableWindows(frmMain* main, const std::function<void(QWidget*)>& v
 
 }  // namespace
 
-class tst_Access : public QObject {
+class tst_Access : public test::ProgramTest {
   Q_OBJECT
 
-  std::optional<IsolatedUser> m_user;
-  std::optional<Program> m_program;
   MsgBoxHandler m_previousBox;
   BeepHandler m_previousBeep;
 
-  frmMain* start() {
-    m_program.emplace();
-    frmMain* main = m_program->window();
+  frmMain* show() {
+    frmMain* main = start();
     main->show();
     QCoreApplication::processEvents();
     return main;
@@ -276,18 +264,17 @@ class tst_Access : public QObject {
     SetBeepHandler(std::move(m_previousBeep));
   }
   void init() {
-    m_user.emplace();
+    QVERIFY(begin());
     // A table of names that has drifted from its window.
     QTest::failOnWarning(QRegularExpression(QStringLiteral("for its accessible name")));
   }
   void cleanup() {
-    m_program.reset();
-    m_user.reset();
+    end();
     QApplication::setPalette(lightPalette());
   }
 
   void everyControlHasAGermanNameAndNoAccessKeyClashes() {
-    frmMain* main = start();
+    frmMain* main = show();
     QStringList visited;
     QStringList problems;
     visitReachableWindows(main, [&](QWidget* window) {
@@ -298,28 +285,14 @@ class tst_Access : public QObject {
         problems << title + QStringLiteral(": ") + p;
     });
     // The window, the settings dialog, the About box and at least one message box.
-    QVERIFY2(visited.contains(QStringLiteral("Marvento")), qPrintable(visited.join(u'|')));
-    QVERIFY2(visited.contains(QStringLiteral("Grundeinstellungen Marvento")),
-             qPrintable(visited.join(u'|')));
-    QVERIFY2(visited.contains(QStringLiteral("Info Marvento")), qPrintable(visited.join(u'|')));
-    QVERIFY2(visited.contains(QStringLiteral("GPS-Höhe")), qPrintable(visited.join(u'|')));
+    for (const char* title :
+         {"Marvento", "Grundeinstellungen Marvento", "Info Marvento", "GPS-Höhe"})
+      QVERIFY2(visited.contains(QString::fromUtf8(title)), qPrintable(visited.join(u'|')));
     QVERIFY2(problems.isEmpty(), qPrintable(problems.join(u'\n')));
   }
 
-  void aDriftedTableIsReported() {
-    QWidget window;
-    window.setObjectName(QStringLiteral("probe"));
-    auto* field = new QLineEdit(&window);
-    field->setObjectName(QStringLiteral("tbProbe"));
-    QTest::ignoreMessage(QtWarningMsg, "No control tbGone in probe for its accessible name");
-    SetAccessibleTexts(&window,
-                       {{"tbProbe", QStringLiteral("Probe"), QStringLiteral("Beschreibung")},
-                        {"tbGone", QStringLiteral("Fort"), QString()}});
-    QCOMPARE(field->accessibleName(), QStringLiteral("Probe"));
-    QCOMPARE(field->accessibleDescription(), QStringLiteral("Beschreibung"));
-  }
-
-  // The checks themselves find what they are meant to find.
+  // A drifted table of names is reported, and the checks themselves find what they are meant
+  // to find.
   void checksRefuseAClashAndANamelessField() {
     QDialog dialog;
     dialog.setObjectName(QStringLiteral("probe"));
@@ -327,6 +300,12 @@ class tst_Access : public QObject {
     auto* second = new QLabel(QStringLiteral("all&e"), &dialog);
     auto* field = new QLineEdit(&dialog);
     field->setObjectName(QStringLiteral("tbProbe"));
+    QTest::ignoreMessage(QtWarningMsg, "No control tbGone in probe for its accessible name");
+    SetAccessibleTexts(&dialog,
+                       {{"tbProbe", QStringLiteral("Probe"), QStringLiteral("Beschreibung")},
+                        {"tbGone", QStringLiteral("Fort"), QString()}});
+    QCOMPARE(field->accessibleName(), QStringLiteral("Probe"));
+    QCOMPARE(field->accessibleDescription(), QStringLiteral("Beschreibung"));
     field->setGeometry(0, 0, 80, 20);
     first->setBuddy(field);
     second->setBuddy(field);
@@ -350,7 +329,7 @@ class tst_Access : public QObject {
   void textStaysReadable() {
     QFETCH(QPalette, palette);
     QApplication::setPalette(palette);
-    frmMain* main = start();
+    frmMain* main = show();
     // Results and info lines hold text, as after a computation with a message.
     main->tbMyLoc->setText(QStringLiteral("JO62QM"));
     main->tbFremdLoc->setText(QStringLiteral("JN58TD"));
@@ -369,7 +348,7 @@ class tst_Access : public QObject {
   // a computation (not repeated by an unchanged GPS fix), a new info line, the insert mode,
   // the status bar on F4.
   void changesAreAnnounced() {
-    frmMain* main = start();
+    frmMain* main = show();
     auto* live = main->findChild<LiveRegion*>(QStringLiteral("lbAnsage"));
     QVERIFY(live);
     QSignalSpy said(live, &LiveRegion::said);
@@ -438,7 +417,7 @@ class tst_Access : public QObject {
 
   // Tab walks the fields as the eye reads them and reaches both results; Shift+Tab goes back.
   void tabOrderReachesEveryFieldAndTheResults() {
-    frmMain* main = start();
+    frmMain* main = show();
     QVERIFY(QTest::qWaitForWindowActive(main));
     main->tbMyLoc->setFocus();
     const QList<QWidget*> expected = {main->tbFremdLoc,    main->tbMyLg,     main->tbMyBr,

@@ -26,20 +26,12 @@
 #include <unistd.h>
 
 using namespace marvento;
-using marvento::test::IsolatedUser;
-using marvento::test::Program;
 
-class tst_SettingsFile : public QObject {
+class tst_SettingsFile : public test::ProgramTest {
   Q_OBJECT
 
-  std::optional<IsolatedUser> m_user;
-  std::optional<Program> m_program;
   bool m_canMount = false;
 
-  frmMain* start() {
-    m_program.emplace();
-    return m_program->window();
-  }
   // Closes the window as the user does, with OK to the question; the boxes that follow are
   // left in `boxes`.
   void exit(MsgBoxRecorder& boxes) {
@@ -55,10 +47,6 @@ class tst_SettingsFile : public QObject {
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
     file.write(text);
   }
-  QByteArray storeBytes() const {
-    QFile file(m_user->configFile());
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
-  }
 
  private slots:
   void initTestCase() {
@@ -67,13 +55,10 @@ class tst_SettingsFile : public QObject {
                  ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
   }
   void init() {
-    m_user.emplace();
+    QVERIFY(begin());
     test::SetNoPortDevices();
   }
-  void cleanup() {
-    m_program.reset();
-    m_user.reset();
-  }
+  void cleanup() { end(); }
 
   void badValuesAreReplaced_data() {
     QTest::addColumn<QString>("key");
@@ -258,7 +243,9 @@ class tst_SettingsFile : public QObject {
                                                  "Einstellungen des letzten Programmendes.")
                                       .arg(m_user->configFile(), reason));
     QCOMPARE(boxes.last().style, vbExclamation);
-    QCOMPARE(storeBytes(), old);
+    QFile store(m_user->configFile());
+    QVERIFY(store.open(QIODevice::ReadOnly));
+    QCOMPARE(store.readAll(), old);
     QStringList left = QDir(folder).entryList(QDir::Files | QDir::Hidden);
     left.removeAll(QStringLiteral("filler"));
     QCOMPARE(left, QStringList{QStringLiteral("Marvento.conf")});

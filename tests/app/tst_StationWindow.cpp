@@ -34,8 +34,6 @@
 #include <optional>
 
 using namespace marvento;
-using marvento::test::IsolatedUser;
-using marvento::test::Program;
 
 namespace {
 
@@ -50,18 +48,8 @@ QStringList logLines() {
 
 }  // namespace
 
-class tst_StationWindow : public QObject {
+class tst_StationWindow : public test::ProgramTest {
   Q_OBJECT
-
-  const QString m_startDir = QDir::currentPath();
-  std::optional<IsolatedUser> m_user;
-  std::optional<Program> m_program;
-
-  // Starts the program on the settings stored so far.
-  frmMain* start() {
-    m_program.emplace();
-    return m_program->window();
-  }
 
  private slots:
   void initTestCase() {
@@ -70,12 +58,8 @@ class tst_StationWindow : public QObject {
     QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
   }
   // The GPS log is written into the current folder.
-  void init() { QVERIFY(QDir::setCurrent(m_user.emplace().path())); }
-  void cleanup() {
-    m_program.reset();
-    QDir::setCurrent(m_startDir);
-    m_user.reset();
-  }
+  void init() { QVERIFY(begin()); }
+  void cleanup() { end(); }
 
   // The second pair lies nearly south, so that its opposite is close to north where the dummy
   // starts: the rotator need not travel long in either case.

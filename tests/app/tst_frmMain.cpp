@@ -29,8 +29,6 @@
 #include <optional>
 
 using namespace marvento;
-using marvento::test::IsolatedUser;
-using marvento::test::Program;
 using marvento::test::RealBoxes;
 
 namespace {
@@ -65,17 +63,9 @@ auto appFont(int points) {
 
 }  // namespace
 
-class tst_frmMain : public QObject {
+class tst_frmMain : public test::ProgramTest {
   Q_OBJECT
 
-  std::optional<IsolatedUser> m_user;
-  std::optional<Program> m_program;
-
-  // Starts the program on the settings stored so far.
-  frmMain* start() {
-    m_program.emplace();
-    return m_program->window();
-  }
   Module1& state() { return m_program->state(); }
   // Opens the settings dialog from the menu and lets `act` close it once it shows.
   static void inSettings(frmMain* w, const std::function<void(QDialog*)>& act) {
@@ -92,11 +82,8 @@ class tst_frmMain : public QObject {
 
  private slots:
   void initTestCase() { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }
-  void init() { m_user.emplace(); }
-  void cleanup() {
-    m_program.reset();
-    m_user.reset();
-  }
+  void init() { QVERIFY(begin()); }
+  void cleanup() { end(); }
 
   // The stored values reach the window; the status "GPS an" starts reception.
   void storedValuesReachTheWindow() {

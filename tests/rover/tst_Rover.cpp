@@ -30,8 +30,6 @@
 #include <numbers>
 
 using namespace marvento;
-using marvento::test::IsolatedUser;
-using marvento::test::Program;
 
 namespace {
 
@@ -59,21 +57,13 @@ QByteArray rmc(int second, double lat, double lon) {
 
 }  // namespace
 
-class tst_Rover : public QObject {
+class tst_Rover : public test::ProgramTest {
   Q_OBJECT
-
-  const QString m_startDir = QDir::currentPath();
-  std::optional<IsolatedUser> m_user;
-  std::optional<Program> m_program;
 
  private slots:
   void initTestCase() { QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany)); }
-  void init() { QVERIFY(QDir::setCurrent(m_user.emplace().path())); }
-  void cleanup() {
-    m_program.reset();
-    QDir::setCurrent(m_startDir);
-    m_user.reset();
-  }
+  void init() { QVERIFY(begin()); }
+  void cleanup() { end(); }
 
   // North along the edge, the fixes wandering across it by up to 20 m: only the two real
   // crossings (100 m into JO62RM, then 70 m back into JO62QM) beep, go to the status bar and

@@ -14,10 +14,6 @@ struct TextCase {
   std::string error;   // part of the error message
 };
 
-void PrintTo(const TextCase& c, std::ostream* os) {
-  *os << c.name;
-}
-
 // The text must be the expected one, and an error must be refused with the expected words.
 void ExpectResult(const Result& r, const TextCase& c) {
   EXPECT_EQ(r.text, c.output);
@@ -164,10 +160,6 @@ struct SourceCase {
   std::string lang;
   std::string error;
 };
-
-void PrintTo(const SourceCase& c, std::ostream* os) {
-  *os << c.name;
-}
 
 class RenderPageErrorTest : public ::testing::TestWithParam<SourceCase> {};
 
